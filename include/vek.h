@@ -1,0 +1,169 @@
+/*
+ * vek.h - the public interface of the vek signal-processing library.
+ *
+ * Plain C (C89 with C++-style comments avoided), usable from C and C++.
+ * Every function works on caller-owned arrays; failures are reported through
+ * vekError and the thread's status (see "Status and error reporting").
+ */
+#ifndef VEK_H
+#define VEK_H
+
+#if defined(_WIN32)
+#if defined(VEK_BUILDING_LIBRARY)
+#define VEK_API __declspec(dllexport)
+#elif defined(VEK_STATIC)
+#define VEK_API
+#else
+#define VEK_API __declspec(dllimport)
+#endif
+#elif defined(__GNUC__)
+#define VEK_API __attribute__((visibility("default")))
+#else
+#define VEK_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ------------------------------------------------------------------------
+ * Element types
+ * ------------------------------------------------------------------------ */
+
+typedef struct { float re; float im; } CplxFloat;
+typedef struct { double re; double im; } CplxDouble;
+typedef struct { short re; short im; } CplxShort;
+typedef struct { int re; int im; } CplxInt;
+
+/* ------------------------------------------------------------------------
+ * Status codes. Zero is success, negative values are failures.
+ * ------------------------------------------------------------------------ */
+
+enum {
+    VEK_StatusOk = 0,
+    VEK_StatusBacktrace = -1,     /* re-report by a caller of a failed export */
+    VEK_StatusInternal = -3,
+    VEK_StatusNoMemory = -4,
+    VEK_StatusBadArgument = -5,
+    VEK_StatusBadFunction = -6,
+    VEK_StatusNoConvergence = -7,
+    VEK_StatusAutotrace = -8,
+    /* returned by the FIR design functions (vekdFirLowpass, ...) */
+    VEK_StatusFirNullTaps = -9,   /* taps == NULL */
+    VEK_StatusFirShortTaps = -10, /* tapsLen < 5 */
+    VEK_StatusFirBadFreq = -11,   /* a frequency outside (0, 0.5) */
+    VEK_StatusFirBadBand = -12    /* rHighFreq not above rLowFreq */
+};
+
+/* Error modes, one per thread. */
+enum {
+    VEK_ErrorModeLeaf = 0,   /* default: a report normally ends the application */
+    VEK_ErrorModeParent = 1, /* a report is shown and the call returns */
+    VEK_ErrorModeSilent = 2  /* nothing is shown; only the status is kept */
+};
+
+/* A report function receives every report made through vekError and returns
+ * the status it was given. Any of the strings may be NULL, line may be
+ * negative. */
+typedef int (*ErrorReportFunc)(int status, const char* funcName,
+                               const char* context, const char* file,
+                               int line);
+
+/* ------------------------------------------------------------------------
+ * Scale modes of the 16-bit (w, v) functions: their last two arguments are
+ * (int scaleMode, int* scaleFactor). A factor f stores result * 2^-f.
+ * ------------------------------------------------------------------------ */
+
+enum {
+    VEK_NO_SCALE = 0,     /* keep the low 16 bits (wrap-around) */
+    VEK_SATURATE = 1,     /* clamp to -32768..32767 */
+    VEK_FIXED_SCALE = 2,  /* scale by the caller's *scaleFactor */
+    VEK_AUTO_SCALE = 4    /* choose the factor and write it to *scaleFactor */
+};
+
+/* ------------------------------------------------------------------------
+ * Transform flags word
+ * ------------------------------------------------------------------------ */
+
+enum {
+    VEK_Forw = 1,          /* forward transform */
+    VEK_Inv = 2,           /* inverse transform, scaled by 1/N */
+    VEK_Init = 4,          /* build the tables, touch no data */
+    VEK_Free = 8,          /* release the tables */
+    VEK_NoScale = 16,      /* leave the inverse unscaled */
+    VEK_NoBitRev = 32,     /* natural order in and out (the default) */
+    VEK_InBitRev = 64,     /* input in bit-reversed order */
+    VEK_OutBitRev = 128,   /* output left in bit-reversed order */
+    VEK_OutRCPack = 256,   /* real forward: RCPack spectrum layout */
+    VEK_OutRCPerm = 512,   /* real forward: RCPerm spectrum layout */
+    VEK_InRCPack = 1024,   /* real inverse: RCPack spectrum layout */
+    VEK_InRCPerm = 4096,   /* real inverse: RCPerm spectrum layout */
+    VEK_DoIntCore = 8192,  /* 16-bit forms: request the integer core */
+    VEK_DoFloatCore = 16384, /* 16-bit forms: request the floating core */
+    VEK_DoFastPKD = 32768  /* 16-bit forms: request the packed-integer core */
+};
+
+/* ------------------------------------------------------------------------
+ * Library version
+ * ------------------------------------------------------------------------ */
+
+typedef struct {
+    int major;
+    int minor;
+    int build;
+    const char* name;            /* the library's module file name */
+    const char* version;
+    const char* internalVersion;
+    const char* buildDate;
+    const char* buildKind;
+} LibVersion;
+
+/* ========================================================================
+ * Status and error reporting
+ * ======================================================================== */
+
+/* Stores status as the thread's last status (not for -1 and -8) and hands the
+ * report to the thread's report function. vekError(0, ...) stores 0 and makes
+ * no report. Returns what the report function returned, or 0. */
+VEK_API int vekError(int status, const char* funcName, const char* context,
+                     const char* file, int line);
+VEK_API const char* vekErrorStr(int status);
+VEK_API int vekGetErrStatus(void);
+VEK_API void vekSetErrStatus(int status);
+VEK_API int vekGetErrMode(void);
+VEK_API void vekSetErrMode(int mode);
+/* Installs fn (NULL: the default vekGuiBoxReport); returns the previous one. */
+VEK_API ErrorReportFunc vekRedirectError(ErrorReportFunc fn);
+/* The three report functions. On systems without message boxes the box
+ * question is asked on the controlling terminal; without one, Leaf mode
+ * terminates and Parent mode continues. */
+VEK_API int vekGuiBoxReport(int status, const char* funcName,
+                            const char* context, const char* file, int line);
+VEK_API int vekStdErrReport(int status, const char* funcName,
+                            const char* context, const char* file, int line);
+VEK_API int vekNulDevReport(int status, const char* funcName,
+                            const char* context, const char* file, int line);
+
+/* ========================================================================
+ * Memory and version
+ * ======================================================================== */
+
+/* Blocks are 32-byte aligned and released only by vekFree. They return NULL
+ * when memory is short and never report. */
+VEK_API void* vekMalloc(int length);          /* bytes */
+VEK_API float* veksMalloc(int length);        /* elements of 4 bytes */
+VEK_API int* vekiMalloc(int length);
+VEK_API CplxShort* vekvMalloc(int length);
+VEK_API double* vekdMalloc(int length);       /* elements of 8 bytes */
+VEK_API CplxFloat* vekcMalloc(int length);
+VEK_API CplxInt* vekjMalloc(int length);
+VEK_API CplxDouble* vekzMalloc(int length);   /* elements of 16 bytes */
+VEK_API short* vekwMalloc(int length);        /* elements of 2 bytes */
+VEK_API void vekFree(void* block);
+VEK_API const LibVersion* vekGetLibVersion(void);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* VEK_H */

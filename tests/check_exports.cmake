@@ -1,0 +1,58 @@
+cmake_policy(SET CMP0057 NEW)
+# Compares the functions a shared library exports with those its public
+# header declares, and lists anything else the library exports.
+# Usage: cmake -DLIB=libvek.so -DHEADER=vek.h -P check_exports.cmake
+
+find_program(NM NAMES nm REQUIRED)
+execute_process(COMMAND ${NM} -D --defined-only ${LIB}
+  OUTPUT_VARIABLE nm_out RESULT_VARIABLE nm_rc)
+if(NOT nm_rc EQUAL 0)
+  message(FATAL_ERROR "nm failed on ${LIB}")
+endif()
+
+# Symbols the toolchain adds to every shared object.
+set(toolchain_symbols _init _fini _edata _end __bss_start)
+
+string(REPLACE "\n" ";" nm_lines "${nm_out}")
+set(exported)
+set(foreign)
+foreach(line IN LISTS nm_lines)
+  if(line MATCHES "^[0-9a-fA-F]+ [A-Za-z] ([^ @]+)")
+    set(name ${CMAKE_MATCH_1})
+    if(name MATCHES "^vek")
+      list(APPEND exported ${name})
+    elseif(NOT name IN_LIST toolchain_symbols)
+      list(APPEND foreign ${name})
+    endif()
+  endif()
+endforeach()
+
+file(READ ${HEADER} header)
+string(REGEX MATCHALL "VEK_API[^;(]*[ *](vek[A-Za-z0-9_]+)\\(" decls "${header}")
+set(declared)
+foreach(d IN LISTS decls)
+  string(REGEX REPLACE ".*[ *](vek[A-Za-z0-9_]+)\\($" "\\1" name "${d}")
+  list(APPEND declared ${name})
+endforeach()
+
+set(failed OFF)
+foreach(name IN LISTS declared)
+  if(NOT name IN_LIST exported)
+    message(SEND_ERROR "declared in the header but not exported: ${name}")
+    set(failed ON)
+  endif()
+endforeach()
+foreach(name IN LISTS exported)
+  if(NOT name IN_LIST declared)
+    message(SEND_ERROR "exported but not declared in the header: ${name}")
+    set(failed ON)
+  endif()
+endforeach()
+foreach(name IN LISTS foreign)
+  message(SEND_ERROR "exported outside the vek names: ${name}")
+  set(failed ON)
+endforeach()
+list(LENGTH declared n)
+if(NOT failed)
+  message(STATUS "${n} exports match the header")
+endif()
