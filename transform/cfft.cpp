@@ -1,0 +1,134 @@
+#include "cfft.hpp"
+
+#include <cstring>
+
+#include "bitrev.hpp"
+#include "fft.hpp"
+
+namespace vek {
+
+bool fft_order_ok(const Site& site, int order) {
+    if (order < 0) {
+        site.bad("order<0");
+        return false;
+    }
+    if (order > 31) {
+        site.bad("order>31");
+        return false;
+    }
+    return true;
+}
+
+bool fft_flags_ok(const Site& site, int flags) {
+    const char* bad = nullptr;
+    if ((flags & VEK_Forw) && (flags & VEK_Inv))
+        bad = "(flags & 1) && (flags & 2)";
+    else if (!(flags & VEK_Forw) && !(flags & VEK_Inv))
+        bad = "(flags & 1)==0 && (flags & 2)==0";
+    else if ((flags & VEK_InBitRev) && (flags & VEK_OutBitRev))
+        bad = "(flags & 64) && (flags & 128)";
+    else if ((flags & VEK_InBitRev) && (flags & VEK_NoBitRev))
+        bad = "(flags & 64) && (flags & 32)";
+    else if ((flags & VEK_NoBitRev) && (flags & VEK_OutBitRev))
+        bad = "(flags & 32) && (flags & 128)";
+    if (bad) site.bad(bad);
+    return !bad;
+}
+
+namespace {
+
+std::size_t elem_size(CplxKind kind) { return kind == kKindC ? sizeof(CplxFloat) : sizeof(CplxDouble); }
+
+bool split_buffer(ThreadContext* ctx, CplxKind kind, int order) {
+    return scratch(ctx, kind, kScratchSplit, (std::uint64_t(1) << order) * elem_size(kind));
+}
+
+}  // namespace
+
+bool fft_tables(const Site& site, CplxKind kind, int order, bool split) {
+    ThreadContext* ctx = context();
+    if (!fft_acquire(ctx, kind, order)) {
+        site.no_memory("No working Twd memory");
+        return false;
+    }
+    if (split && !split_buffer(ctx, kind, order)) {
+        release_all(ctx);
+        if (!split_buffer(ctx, kind, order) || !fft_acquire(ctx, kind, order)) {
+            site.no_memory("No working memory");
+            return false;
+        }
+    }
+    return true;
+}
+
+void fft_free(CplxKind kind, int order) { fft_release(context(), kind, order); }
+
+namespace {
+
+template <class C>
+void exec(const C* src, C* dst, int order, int flags) {
+    using R = typename CfftTraits<C>::R;
+    constexpr CplxKind kind = CfftTraits<C>::kind;
+    if (order == 0) {
+        dst[0] = src[0];
+        return;
+    }
+    ThreadContext* ctx = context();
+    const auto* plan = static_cast<const FftPlan<C>*>(ctx->orderTbl[kind == kKindC ? kTblPlanC : kTblPlanZ][order]);
+    C* work = static_cast<C*>(ctx->scratch[kind].buffer[kScratchFft]);
+    const std::int32_t* list = ctx->swapList[order];
+    const bool inverse = flags & VEK_Inv;
+    const FftOps& ops = fft_ops();
+    auto run = [&](const C* in, C* out) {
+        if constexpr (kind == kKindC)
+            ops.run_c(plan, in, out, work, inverse);
+        else
+            ops.run_z(plan, in, out, work, inverse);
+    };
+    if (flags & VEK_InBitRev) {
+        if (src != dst)
+            bitrev_copy(src, dst, order, list);
+        else
+            bitrev_inplace(dst, order, list);
+        run(dst, dst);
+    } else {
+        run(src, dst);
+        if (flags & VEK_OutBitRev) bitrev_inplace(dst, order, list);
+    }
+    if (inverse && !(flags & VEK_NoScale)) {
+        const std::size_t n = std::size_t(2) << order;
+        const R f = R(1.0 / double(std::uint64_t(1) << order));
+        if constexpr (kind == kKindC)
+            ops.scale_s(&dst->re, n, f);
+        else
+            ops.scale_d(&dst->re, n, f);
+    }
+}
+
+template <class R, class C>
+void exec_split(const R* reIn, const R* imIn, R* reOut, R* imOut, int order, int flags) {
+    constexpr CplxKind kind = CfftTraits<C>::kind;
+    C* buf = static_cast<C*>(context()->scratch[kind].buffer[kScratchSplit]);
+    const std::size_t n = std::size_t(1) << order;
+    for (std::size_t i = 0; i < n; ++i) buf[i] = C{reIn[i], imIn[i]};
+    exec(buf, buf, order, flags);
+    for (std::size_t i = 0; i < n; ++i) {
+        reOut[i] = buf[i].re;
+        imOut[i] = buf[i].im;
+    }
+}
+
+}  // namespace
+
+void fft_exec(const CplxFloat* src, CplxFloat* dst, int order, int flags) { exec(src, dst, order, flags); }
+void fft_exec(const CplxDouble* src, CplxDouble* dst, int order, int flags) { exec(src, dst, order, flags); }
+void fft_exec_split(const float* reIn, const float* imIn, float* reOut, float* imOut, int order,
+                    int flags) {
+    exec_split<float, CplxFloat>(reIn, imIn, reOut, imOut, order, flags);
+}
+void fft_exec_split(const double* reIn, const double* imIn, double* reOut, double* imOut,
+                    int order, int flags) {
+    exec_split<double, CplxDouble>(reIn, imIn, reOut, imOut, order, flags);
+}
+
+}  // namespace vek

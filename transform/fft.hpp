@@ -1,0 +1,75 @@
+// The complex FFT kernels: per-order plans and the per-ISA entry points.
+//
+// Every transform runs natural order in, natural order out, as Stockham
+// autosort passes between the data and a work area (so no permutation
+// pass): radix-4 passes with per-pass twiddles, then one final radix-4 or
+// radix-8 pass without twiddles. The first pass reads contiguous points and
+// interleaves its outputs; later passes run their vector loop across
+// independent sub-transforms, with one broadcast twiddle per loop.
+//
+// Orders from kFourStepOrder up are split as N = R x C (R rows of C
+// points): FFTs down the columns, kLanes columns at a time in a small
+// buffer, a twiddle W_N^(row*col) composed from two tables, FFTs along the
+// rows, and a transposed store. Every sub-transform then works in cache.
+#pragma once
+
+#include <cstddef>
+
+#include "frame/cpu.hpp"
+#include "vek.h"
+
+namespace vek {
+
+constexpr int kFourStepOrder = 12;
+constexpr int kLanes = 8;     // columns per column-FFT block
+constexpr int kRowBlock = 8;  // rows per transposed store
+
+// The tables of one order, in one block. Twiddles are those of the forward
+// transform; the inverse uses their conjugates.
+template <class C>
+struct FftPlan {
+    int order;
+    int rowsLog;  // four-step: log2 R (0 for a direct transform)
+    int colsLog;  // four-step: log2 C
+    // Direct: W^k, W^2k, W^3k for k < N/4, as three arrays of N/4.
+    const C* tw;
+    // Four-step: the direct tables of the column (R) and row (C) FFTs,
+    const C* twRows;
+    const C* twCols;
+    // and the inter-step twiddle W_N^(k1*n2) = lane[k1][b] * block[cb][k1]
+    // with n2 = cb*kLanes + b.
+    const C* lane;   // R x kLanes: W_N^(k1*b)
+    const C* block;  // (C/kLanes) x R: W_N^(k1*cb*kLanes)
+};
+
+// Elements of work area a transform of this order needs: the whole
+// intermediate of the four-step, two column blocks, a block of rows and the
+// row transform's own work area.
+inline std::size_t fft_work(int order) {
+    const std::size_t n = std::size_t(1) << order;
+    if (order < kFourStepOrder) return n;
+    const std::size_t rows = std::size_t(1) << (order / 2), cols = n / rows;
+    return n + 2 * rows * kLanes + kRowBlock * cols + cols + 64;
+}
+
+// Points of a plan's direct twiddle arrays (three arrays of this many).
+inline std::size_t quarter(int order) { return order >= 2 ? std::size_t(1) << (order - 2) : 1; }
+
+struct FftOps {
+    // dst = FFT(src) (src may equal dst; work holds plan->work elements).
+    void (*run_c)(const FftPlan<CplxFloat>* plan, const CplxFloat* src, CplxFloat* dst,
+                  CplxFloat* work, bool inverse);
+    void (*run_z)(const FftPlan<CplxDouble>* plan, const CplxDouble* src, CplxDouble* dst,
+                  CplxDouble* work, bool inverse);
+    // Multiplies n real values by f.
+    void (*scale_s)(float* x, std::size_t n, float f);
+    void (*scale_d)(double* x, std::size_t n, double f);
+};
+
+namespace sse2 { extern const FftOps fft_ops; }
+namespace avx2 { extern const FftOps fft_ops; }
+namespace avx512 { extern const FftOps fft_ops; }
+
+const FftOps& fft_ops();
+
+}  // namespace vek

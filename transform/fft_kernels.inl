@@ -1,0 +1,567 @@
+// FFT kernels, compiled once per instruction set (see fft.hpp for the
+// design). Include after defining VEK_ISA.
+// GCC 12 flags the "undefined" source operand inside its own 512-bit
+// intrinsics as (maybe) uninitialised.
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#pragma GCC diagnostic ignored "-Wuninitialized"
+#include <immintrin.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "transform/fft.hpp"
+
+namespace vek {
+namespace VEK_ISA {
+namespace {
+
+#define VEK_KERNEL static inline __attribute__((always_inline))
+
+// ------------------------------------------------------------ vector types
+//
+// Interleaved complex vectors of W points. Each type gives the same small
+// set of operations, so the passes below are written once.
+
+struct F2 {  // two complex floats
+    using R = float;
+    using C = CplxFloat;
+    using V = __m128;
+    static constexpr int W = 2;
+    VEK_KERNEL V load(const C* p) { return _mm_loadu_ps(&p->re); }
+    VEK_KERNEL void store(C* p, V v) { _mm_storeu_ps(&p->re, v); }
+    VEK_KERNEL V add(V a, V b) { return _mm_add_ps(a, b); }
+    VEK_KERNEL V sub(V a, V b) { return _mm_sub_ps(a, b); }
+    VEK_KERNEL V mul(V a, V b) { return _mm_mul_ps(a, b); }
+    VEK_KERNEL V set1(R x) { return _mm_set1_ps(x); }
+    VEK_KERNEL V swap(V v) { return _mm_shuffle_ps(v, v, 0xB1); }
+    VEK_KERNEL V neg_re(V v) { return _mm_xor_ps(v, _mm_castsi128_ps(_mm_set_epi32(0, INT32_MIN, 0, INT32_MIN))); }
+    VEK_KERNEL V neg_im(V v) { return _mm_xor_ps(v, _mm_castsi128_ps(_mm_set_epi32(INT32_MIN, 0, INT32_MIN, 0))); }
+    VEK_KERNEL V dup_re(V v) { return _mm_shuffle_ps(v, v, 0xA0); }
+    VEK_KERNEL V dup_im(V v) { return _mm_shuffle_ps(v, v, 0xF5); }
+#ifdef __FMA__
+    VEK_KERNEL V fmaddsub(V a, V b, V c) { return _mm_fmaddsub_ps(a, b, c); }
+    VEK_KERNEL V fmsubadd(V a, V b, V c) { return _mm_fmsubadd_ps(a, b, c); }
+#else
+    VEK_KERNEL V fmaddsub(V a, V b, V c) { return add(mul(a, b), neg_re(c)); }
+    VEK_KERNEL V fmsubadd(V a, V b, V c) { return add(mul(a, b), neg_im(c)); }
+#endif
+    VEK_KERNEL void transpose(V* v) {
+        const V a = v[0], b = v[1];
+        v[0] = _mm_movelh_ps(a, b);
+        v[1] = _mm_movehl_ps(b, a);
+    }
+    // y[4i + r] = v[r][i]
+    VEK_KERNEL void store4(C* y, V a, V b, V c, V d) {
+        store(y, _mm_movelh_ps(a, b));
+        store(y + 2, _mm_movelh_ps(c, d));
+        store(y + 4, _mm_movehl_ps(b, a));
+        store(y + 6, _mm_movehl_ps(d, c));
+    }
+};
+
+struct F1 : F2 {  // one complex float, in the low half
+    static constexpr int W = 1;
+    VEK_KERNEL V load(const C* p) {
+        return _mm_loadl_pi(_mm_setzero_ps(), reinterpret_cast<const __m64*>(p));
+    }
+    VEK_KERNEL void store(C* p, V v) { _mm_storel_pi(reinterpret_cast<__m64*>(p), v); }
+    VEK_KERNEL void transpose(V*) {}
+    VEK_KERNEL void store4(C* y, V a, V b, V c, V d) {
+        store(y, a);
+        store(y + 1, b);
+        store(y + 2, c);
+        store(y + 3, d);
+    }
+};
+
+struct D1 {  // one complex double
+    using R = double;
+    using C = CplxDouble;
+    using V = __m128d;
+    static constexpr int W = 1;
+    VEK_KERNEL V load(const C* p) { return _mm_loadu_pd(&p->re); }
+    VEK_KERNEL void store(C* p, V v) { _mm_storeu_pd(&p->re, v); }
+    VEK_KERNEL V add(V a, V b) { return _mm_add_pd(a, b); }
+    VEK_KERNEL V sub(V a, V b) { return _mm_sub_pd(a, b); }
+    VEK_KERNEL V mul(V a, V b) { return _mm_mul_pd(a, b); }
+    VEK_KERNEL V set1(R x) { return _mm_set1_pd(x); }
+    VEK_KERNEL V swap(V v) { return _mm_shuffle_pd(v, v, 1); }
+    VEK_KERNEL V neg_re(V v) { return _mm_xor_pd(v, _mm_set_pd(0.0, -0.0)); }
+    VEK_KERNEL V neg_im(V v) { return _mm_xor_pd(v, _mm_set_pd(-0.0, 0.0)); }
+    VEK_KERNEL V dup_re(V v) { return _mm_unpacklo_pd(v, v); }
+    VEK_KERNEL V dup_im(V v) { return _mm_unpackhi_pd(v, v); }
+#ifdef __FMA__
+    VEK_KERNEL V fmaddsub(V a, V b, V c) { return _mm_fmaddsub_pd(a, b, c); }
+    VEK_KERNEL V fmsubadd(V a, V b, V c) { return _mm_fmsubadd_pd(a, b, c); }
+#else
+    VEK_KERNEL V fmaddsub(V a, V b, V c) { return add(mul(a, b), neg_re(c)); }
+    VEK_KERNEL V fmsubadd(V a, V b, V c) { return add(mul(a, b), neg_im(c)); }
+#endif
+    VEK_KERNEL void transpose(V*) {}
+    VEK_KERNEL void store4(C* y, V a, V b, V c, V d) {
+        store(y, a);
+        store(y + 1, b);
+        store(y + 2, c);
+        store(y + 3, d);
+    }
+};
+
+#ifdef __AVX2__
+struct F4 {  // four complex floats
+    using R = float;
+    using C = CplxFloat;
+    using V = __m256;
+    static constexpr int W = 4;
+    VEK_KERNEL V load(const C* p) { return _mm256_loadu_ps(&p->re); }
+    VEK_KERNEL void store(C* p, V v) { _mm256_storeu_ps(&p->re, v); }
+    VEK_KERNEL V add(V a, V b) { return _mm256_add_ps(a, b); }
+    VEK_KERNEL V sub(V a, V b) { return _mm256_sub_ps(a, b); }
+    VEK_KERNEL V mul(V a, V b) { return _mm256_mul_ps(a, b); }
+    VEK_KERNEL V set1(R x) { return _mm256_set1_ps(x); }
+    VEK_KERNEL V swap(V v) { return _mm256_permute_ps(v, 0xB1); }
+    VEK_KERNEL V neg_re(V v) { return _mm256_xor_ps(v, _mm256_castsi256_ps(_mm256_set1_epi64x(0x80000000LL))); }
+    VEK_KERNEL V neg_im(V v) { return _mm256_xor_ps(v, _mm256_castsi256_ps(_mm256_set1_epi64x(INT64_MIN))); }
+    VEK_KERNEL V dup_re(V v) { return _mm256_moveldup_ps(v); }
+    VEK_KERNEL V dup_im(V v) { return _mm256_movehdup_ps(v); }
+    VEK_KERNEL V fmaddsub(V a, V b, V c) { return _mm256_fmaddsub_ps(a, b, c); }
+    VEK_KERNEL V fmsubadd(V a, V b, V c) { return _mm256_fmsubadd_ps(a, b, c); }
+    // Columns of the 4 x 4 block of points a, b, c, d.
+    VEK_KERNEL void transpose(V* v) {
+        const __m256d a = _mm256_castps_pd(v[0]), b = _mm256_castps_pd(v[1]);
+        const __m256d c = _mm256_castps_pd(v[2]), d = _mm256_castps_pd(v[3]);
+        const __m256d t0 = _mm256_unpacklo_pd(a, b), t1 = _mm256_unpackhi_pd(a, b);
+        const __m256d t2 = _mm256_unpacklo_pd(c, d), t3 = _mm256_unpackhi_pd(c, d);
+        v[0] = _mm256_castpd_ps(_mm256_permute2f128_pd(t0, t2, 0x20));
+        v[1] = _mm256_castpd_ps(_mm256_permute2f128_pd(t1, t3, 0x20));
+        v[2] = _mm256_castpd_ps(_mm256_permute2f128_pd(t0, t2, 0x31));
+        v[3] = _mm256_castpd_ps(_mm256_permute2f128_pd(t1, t3, 0x31));
+    }
+    VEK_KERNEL void store4(C* y, V a, V b, V c, V d) {
+        V v[4] = {a, b, c, d};
+        transpose(v);
+        store(y, v[0]);
+        store(y + 4, v[1]);
+        store(y + 8, v[2]);
+        store(y + 12, v[3]);
+    }
+};
+
+struct D2 {  // two complex doubles
+    using R = double;
+    using C = CplxDouble;
+    using V = __m256d;
+    static constexpr int W = 2;
+    VEK_KERNEL V load(const C* p) { return _mm256_loadu_pd(&p->re); }
+    VEK_KERNEL void store(C* p, V v) { _mm256_storeu_pd(&p->re, v); }
+    VEK_KERNEL V add(V a, V b) { return _mm256_add_pd(a, b); }
+    VEK_KERNEL V sub(V a, V b) { return _mm256_sub_pd(a, b); }
+    VEK_KERNEL V mul(V a, V b) { return _mm256_mul_pd(a, b); }
+    VEK_KERNEL V set1(R x) { return _mm256_set1_pd(x); }
+    VEK_KERNEL V swap(V v) { return _mm256_permute_pd(v, 0x5); }
+    VEK_KERNEL V neg_re(V v) { return _mm256_xor_pd(v, _mm256_set_pd(0.0, -0.0, 0.0, -0.0)); }
+    VEK_KERNEL V neg_im(V v) { return _mm256_xor_pd(v, _mm256_set_pd(-0.0, 0.0, -0.0, 0.0)); }
+    VEK_KERNEL V dup_re(V v) { return _mm256_movedup_pd(v); }
+    VEK_KERNEL V dup_im(V v) { return _mm256_permute_pd(v, 0xF); }
+    VEK_KERNEL V fmaddsub(V a, V b, V c) { return _mm256_fmaddsub_pd(a, b, c); }
+    VEK_KERNEL V fmsubadd(V a, V b, V c) { return _mm256_fmsubadd_pd(a, b, c); }
+    VEK_KERNEL void transpose(V* v) {
+        const V a = v[0], b = v[1];
+        v[0] = _mm256_permute2f128_pd(a, b, 0x20);
+        v[1] = _mm256_permute2f128_pd(a, b, 0x31);
+    }
+    VEK_KERNEL void store4(C* y, V a, V b, V c, V d) {
+        store(y, _mm256_permute2f128_pd(a, b, 0x20));
+        store(y + 2, _mm256_permute2f128_pd(c, d, 0x20));
+        store(y + 4, _mm256_permute2f128_pd(a, b, 0x31));
+        store(y + 6, _mm256_permute2f128_pd(c, d, 0x31));
+    }
+};
+#endif
+
+#ifdef __AVX512F__
+struct F8 {  // eight complex floats
+    using R = float;
+    using C = CplxFloat;
+    using V = __m512;
+    static constexpr int W = 8;
+    VEK_KERNEL V load(const C* p) { return _mm512_loadu_ps(&p->re); }
+    VEK_KERNEL void store(C* p, V v) { _mm512_storeu_ps(&p->re, v); }
+    VEK_KERNEL V add(V a, V b) { return _mm512_add_ps(a, b); }
+    VEK_KERNEL V sub(V a, V b) { return _mm512_sub_ps(a, b); }
+    VEK_KERNEL V mul(V a, V b) { return _mm512_mul_ps(a, b); }
+    VEK_KERNEL V set1(R x) { return _mm512_set1_ps(x); }
+    VEK_KERNEL V swap(V v) { return _mm512_permute_ps(v, 0xB1); }
+    VEK_KERNEL V neg_re(V v) { return _mm512_xor_ps(v, _mm512_castsi512_ps(_mm512_set1_epi64(0x80000000LL))); }
+    VEK_KERNEL V neg_im(V v) { return _mm512_xor_ps(v, _mm512_castsi512_ps(_mm512_set1_epi64(INT64_MIN))); }
+    VEK_KERNEL V dup_re(V v) { return _mm512_moveldup_ps(v); }
+    VEK_KERNEL V dup_im(V v) { return _mm512_movehdup_ps(v); }
+    VEK_KERNEL V fmaddsub(V a, V b, V c) { return _mm512_fmaddsub_ps(a, b, c); }
+    VEK_KERNEL V fmsubadd(V a, V b, V c) { return _mm512_fmsubadd_ps(a, b, c); }
+};
+
+struct D4 {  // four complex doubles
+    using R = double;
+    using C = CplxDouble;
+    using V = __m512d;
+    static constexpr int W = 4;
+    VEK_KERNEL V load(const C* p) { return _mm512_loadu_pd(&p->re); }
+    VEK_KERNEL void store(C* p, V v) { _mm512_storeu_pd(&p->re, v); }
+    VEK_KERNEL V add(V a, V b) { return _mm512_add_pd(a, b); }
+    VEK_KERNEL V sub(V a, V b) { return _mm512_sub_pd(a, b); }
+    VEK_KERNEL V mul(V a, V b) { return _mm512_mul_pd(a, b); }
+    VEK_KERNEL V set1(R x) { return _mm512_set1_pd(x); }
+    VEK_KERNEL V swap(V v) { return _mm512_permute_pd(v, 0x55); }
+    VEK_KERNEL V neg_re(V v) { return _mm512_xor_pd(v, _mm512_castsi512_pd(_mm512_set_epi64(0, INT64_MIN, 0, INT64_MIN, 0, INT64_MIN, 0, INT64_MIN))); }
+    VEK_KERNEL V neg_im(V v) { return _mm512_xor_pd(v, _mm512_castsi512_pd(_mm512_set_epi64(INT64_MIN, 0, INT64_MIN, 0, INT64_MIN, 0, INT64_MIN, 0))); }
+    VEK_KERNEL V dup_re(V v) { return _mm512_movedup_pd(v); }
+    VEK_KERNEL V dup_im(V v) { return _mm512_permute_pd(v, 0xFF); }
+    VEK_KERNEL V fmaddsub(V a, V b, V c) { return _mm512_fmaddsub_pd(a, b, c); }
+    VEK_KERNEL V fmsubadd(V a, V b, V c) { return _mm512_fmsubadd_pd(a, b, c); }
+    VEK_KERNEL void transpose(V* v) {
+        const V t0 = _mm512_shuffle_f64x2(v[0], v[1], 0x44), t1 = _mm512_shuffle_f64x2(v[0], v[1], 0xEE);
+        const V t2 = _mm512_shuffle_f64x2(v[2], v[3], 0x44), t3 = _mm512_shuffle_f64x2(v[2], v[3], 0xEE);
+        v[0] = _mm512_shuffle_f64x2(t0, t2, 0x88);
+        v[1] = _mm512_shuffle_f64x2(t0, t2, 0xDD);
+        v[2] = _mm512_shuffle_f64x2(t1, t3, 0x88);
+        v[3] = _mm512_shuffle_f64x2(t1, t3, 0xDD);
+    }
+    VEK_KERNEL void store4(C* y, V a, V b, V c, V d) {
+        V v[4] = {a, b, c, d};
+        transpose(v);
+        store(y, v[0]);
+        store(y + 4, v[1]);
+        store(y + 8, v[2]);
+        store(y + 12, v[3]);
+    }
+};
+#endif
+
+// Calls f with a tag of the widest vector type of at most `avail` points;
+// `Narrow` limits the choice to types that transpose (at most 4 points).
+template <class T>
+struct Tag {
+    using type = T;
+};
+
+template <bool Narrow = false, class F>
+VEK_KERNEL void by_width(float*, std::size_t avail, F&& f) {
+#ifdef __AVX512F__
+    if constexpr (!Narrow) {
+        if (avail >= 8) return f(Tag<F8>{});
+    }
+#endif
+#ifdef __AVX2__
+    if (avail >= 4) return f(Tag<F4>{});
+#endif
+    if (avail >= 2) return f(Tag<F2>{});
+    f(Tag<F1>{});
+}
+
+template <bool Narrow = false, class F>
+VEK_KERNEL void by_width(double*, std::size_t avail, F&& f) {
+#ifdef __AVX512F__
+    if (avail >= 4) return f(Tag<D4>{});
+#endif
+#ifdef __AVX2__
+    if (avail >= 2) return f(Tag<D2>{});
+#endif
+    (void)avail;
+    f(Tag<D1>{});
+}
+
+// ------------------------------------------------------------ butterflies
+
+// v * (-i) forward, v * i inverse.
+template <class V, bool Inv>
+VEK_KERNEL typename V::V mul_mi(typename V::V v) {
+    return Inv ? V::neg_re(V::swap(v)) : V::neg_im(V::swap(v));
+}
+
+// v * w forward, v * conj(w) inverse, with w's parts in wr and wi.
+template <class V, bool Inv>
+VEK_KERNEL typename V::V cmul(typename V::V v, typename V::V wr, typename V::V wi) {
+    const typename V::V t = V::mul(V::swap(v), wi);
+    return Inv ? V::fmsubadd(v, wr, t) : V::fmaddsub(v, wr, t);
+}
+
+// Four-point DFT in place: (a, b, c, d) becomes (X0, X1, X2, X3).
+template <class V, bool Inv>
+VEK_KERNEL void dft4(typename V::V& a, typename V::V& b, typename V::V& c, typename V::V& d) {
+    const typename V::V t0 = V::add(a, c), t1 = V::sub(a, c);
+    const typename V::V t2 = V::add(b, d), t3 = mul_mi<V, Inv>(V::sub(b, d));
+    a = V::add(t0, t2);
+    c = V::sub(t0, t2);
+    b = V::add(t1, t3);
+    d = V::sub(t1, t3);
+}
+
+// ------------------------------------------------------------ passes
+//
+// A pass of size n with m = n/radix reads x[q + L*(p + j*m)] and writes
+// y[q + L*(radix*p + r)] for p < m, q < L; output r of sub-transform p is
+// multiplied by W_n^(r*p) = tw_r[p*ts].
+
+// Twiddled radix-4 pass with the vector loop over q.
+template <class V, bool Inv>
+void pass_q4(const typename V::C* x, typename V::C* y, std::size_t m, std::size_t L,
+             const typename V::C* tw, std::size_t q4, std::size_t ts) {
+    using VT = typename V::V;
+    const std::size_t s = m * L;
+    for (std::size_t p = 0; p < m; ++p) {
+        const typename V::C* x0 = x + p * L;
+        typename V::C* y0 = y + 4 * p * L;
+        if (p == 0) {
+            for (std::size_t q = 0; q < L; q += V::W) {
+                VT a = V::load(x0 + q), b = V::load(x0 + s + q);
+                VT c = V::load(x0 + 2 * s + q), d = V::load(x0 + 3 * s + q);
+                dft4<V, Inv>(a, b, c, d);
+                V::store(y0 + q, a);
+                V::store(y0 + L + q, b);
+                V::store(y0 + 2 * L + q, c);
+                V::store(y0 + 3 * L + q, d);
+            }
+            continue;
+        }
+        const typename V::C w1 = tw[p * ts], w2 = tw[q4 + p * ts], w3 = tw[2 * q4 + p * ts];
+        const VT w1r = V::set1(w1.re), w1i = V::set1(w1.im);
+        const VT w2r = V::set1(w2.re), w2i = V::set1(w2.im);
+        const VT w3r = V::set1(w3.re), w3i = V::set1(w3.im);
+        for (std::size_t q = 0; q < L; q += V::W) {
+            VT a = V::load(x0 + q), b = V::load(x0 + s + q);
+            VT c = V::load(x0 + 2 * s + q), d = V::load(x0 + 3 * s + q);
+            dft4<V, Inv>(a, b, c, d);
+            V::store(y0 + q, a);
+            V::store(y0 + L + q, cmul<V, Inv>(b, w1r, w1i));
+            V::store(y0 + 2 * L + q, cmul<V, Inv>(c, w2r, w2i));
+            V::store(y0 + 3 * L + q, cmul<V, Inv>(d, w3r, w3i));
+        }
+    }
+}
+
+// Twiddled radix-4 first pass (L = 1) with the vector loop over p.
+template <class V, bool Inv>
+void pass_p4(const typename V::C* x, typename V::C* y, std::size_t m, const typename V::C* tw,
+             std::size_t q4) {
+    using VT = typename V::V;
+    for (std::size_t p = 0; p < m; p += V::W) {
+        VT a = V::load(x + p), b = V::load(x + m + p);
+        VT c = V::load(x + 2 * m + p), d = V::load(x + 3 * m + p);
+        dft4<V, Inv>(a, b, c, d);
+        const VT w1 = V::load(tw + p), w2 = V::load(tw + q4 + p), w3 = V::load(tw + 2 * q4 + p);
+        b = cmul<V, Inv>(b, V::dup_re(w1), V::dup_im(w1));
+        c = cmul<V, Inv>(c, V::dup_re(w2), V::dup_im(w2));
+        d = cmul<V, Inv>(d, V::dup_re(w3), V::dup_im(w3));
+        V::store4(y + 4 * p, a, b, c, d);
+    }
+}
+
+// Last pass of size 4 (m = 1): no twiddles; may run in place.
+template <class V, bool Inv>
+void last4(const typename V::C* x, typename V::C* y, std::size_t L) {
+    using VT = typename V::V;
+    for (std::size_t q = 0; q < L; q += V::W) {
+        VT a = V::load(x + q), b = V::load(x + L + q), c = V::load(x + 2 * L + q),
+           d = V::load(x + 3 * L + q);
+        dft4<V, Inv>(a, b, c, d);
+        V::store(y + q, a);
+        V::store(y + L + q, b);
+        V::store(y + 2 * L + q, c);
+        V::store(y + 3 * L + q, d);
+    }
+}
+
+// Last pass of size 8 (m = 1): a radix-2 step, W_8 rotations, two 4-point
+// DFTs; may run in place.
+template <class V, bool Inv>
+void last8(const typename V::C* x, typename V::C* y, std::size_t L) {
+    using VT = typename V::V;
+    using R = typename V::R;
+    const VT h = V::set1(R(0.7071067811865475244008443621048490393L));
+    for (std::size_t q = 0; q < L; q += V::W) {
+        VT x0 = V::load(x + q), x1 = V::load(x + L + q), x2 = V::load(x + 2 * L + q),
+           x3 = V::load(x + 3 * L + q);
+        VT x4 = V::load(x + 4 * L + q), x5 = V::load(x + 5 * L + q),
+           x6 = V::load(x + 6 * L + q), x7 = V::load(x + 7 * L + q);
+        VT a0 = V::add(x0, x4), a1 = V::add(x1, x5), a2 = V::add(x2, x6), a3 = V::add(x3, x7);
+        VT b0 = V::sub(x0, x4), b1 = V::sub(x1, x5), b2 = V::sub(x2, x6), b3 = V::sub(x3, x7);
+        // b1 * W8, b2 * W8^2, b3 * W8^3 (conjugates for the inverse).
+        b1 = V::mul(Inv ? V::add(b1, V::neg_re(V::swap(b1))) : V::add(b1, V::neg_im(V::swap(b1))), h);
+        b2 = mul_mi<V, Inv>(b2);
+        b3 = V::mul(Inv ? V::add(b3, V::neg_re(V::swap(b3))) : V::add(b3, V::neg_im(V::swap(b3))), h);
+        b3 = mul_mi<V, Inv>(b3);
+        dft4<V, Inv>(a0, a1, a2, a3);
+        dft4<V, Inv>(b0, b1, b2, b3);
+        V::store(y + q, a0);
+        V::store(y + L + q, b0);
+        V::store(y + 2 * L + q, a1);
+        V::store(y + 3 * L + q, b1);
+        V::store(y + 4 * L + q, a2);
+        V::store(y + 5 * L + q, b2);
+        V::store(y + 6 * L + q, a3);
+        V::store(y + 7 * L + q, b3);
+    }
+}
+
+// ------------------------------------------------------------ transforms
+
+template <class C>
+struct RealOf;
+template <>
+struct RealOf<CplxFloat> {
+    using type = float;
+};
+template <>
+struct RealOf<CplxDouble> {
+    using type = double;
+};
+
+// 2^order points in L0 interleaved lanes (point j of lane q at x[q + L0*j]),
+// src -> dst through tmp; src may equal dst. tw: the direct tables of this
+// order.
+template <class C, bool Inv>
+void stockham(const C* src, C* dst, C* tmp, int order, std::size_t L0, const C* tw) {
+    using R = typename RealOf<C>::type;
+    const std::size_t n = std::size_t(1) << order;
+    if (order == 0) {
+        if (src != dst) std::memcpy(dst, src, L0 * sizeof(C));
+        return;
+    }
+    if (order == 1) {
+        for (std::size_t q = 0; q < L0; ++q) {
+            const C a = src[q], b = src[q + L0];
+            dst[q] = C{a.re + b.re, a.im + b.im};
+            dst[q + L0] = C{a.re - b.re, a.im - b.im};
+        }
+        return;
+    }
+    const int twiddled = order % 2 == 0 ? order / 2 - 1 : (order - 3) / 2;
+    const int passes = twiddled + 1;
+    const bool lastInPlace = src == dst && passes % 2 == 1;
+    const std::size_t q4 = quarter(order);
+    const C* in = src;
+    std::size_t L = L0, m = n / 4;
+    for (int i = 1; i <= twiddled; ++i) {
+        const int after = lastInPlace ? passes - 1 - i : passes - i;
+        C* out = after % 2 == 0 ? dst : tmp;
+        if (L == 1) {
+            by_width<true>(static_cast<R*>(nullptr), m, [&](auto t) {
+                using V = typename decltype(t)::type;
+                pass_p4<V, Inv>(in, out, m, tw, q4);
+            });
+        } else {
+            const std::size_t ts = L / L0;
+            by_width(static_cast<R*>(nullptr), L, [&](auto t) {
+                using V = typename decltype(t)::type;
+                pass_q4<V, Inv>(in, out, m, L, tw, q4, ts);
+            });
+        }
+        in = out;
+        L *= 4;
+        m /= 4;
+    }
+    by_width(static_cast<R*>(nullptr), L, [&](auto t) {
+        using V = typename decltype(t)::type;
+        if (order % 2)
+            last8<V, Inv>(in, dst, L);
+        else
+            last4<V, Inv>(in, dst, L);
+    });
+}
+
+// rows x (its own tile width) block transposed into dst with row stride ld.
+// lb holds kRowBlock rows of c points; row r, point k2 goes to
+// dst[k2*ld + r].
+template <class C>
+void store_transposed(const C* lb, std::size_t c, C* dst, std::size_t ld) {
+    using R = typename RealOf<C>::type;
+    by_width<true>(static_cast<R*>(nullptr), 4, [&](auto t) {
+        using V = typename decltype(t)::type;
+        constexpr int W = V::W;
+        for (std::size_t k2 = 0; k2 < c; k2 += W)
+            for (int r = 0; r < kRowBlock; r += W) {
+                typename V::V v[W];
+                for (int i = 0; i < W; ++i) v[i] = V::load(lb + (r + i) * c + k2);
+                V::transpose(v);
+                for (int i = 0; i < W; ++i) V::store(dst + (k2 + i) * ld + r, v[i]);
+            }
+    });
+}
+
+template <class C, bool Inv>
+void four_step(const FftPlan<C>* pl, const C* src, C* dst, C* work) {
+    using R = typename RealOf<C>::type;
+    const std::size_t rows = std::size_t(1) << pl->rowsLog, cols = std::size_t(1) << pl->colsLog;
+    const std::size_t n = rows * cols;
+    C* mid = work;
+    C* b0 = mid + n;
+    C* b1 = b0 + rows * kLanes;
+    C* lb = b1 + rows * kLanes;
+    C* rt = lb + kRowBlock * cols;
+    for (std::size_t cb = 0; cb < cols / kLanes; ++cb) {
+        const C* col = src + cb * kLanes;
+        for (std::size_t k = 0; k < rows; ++k)
+            std::memcpy(b0 + k * kLanes, col + k * cols, kLanes * sizeof(C));
+        stockham<C, Inv>(b0, b0, b1, pl->rowsLog, kLanes, pl->twRows);
+        const C* blk = pl->block + cb * rows;
+        C* out = mid + cb * kLanes;
+        by_width(static_cast<R*>(nullptr), kLanes, [&](auto t) {
+            using V = typename decltype(t)::type;
+            for (std::size_t k1 = 0; k1 < rows; ++k1) {
+                const typename V::V br = V::set1(blk[k1].re), bi = V::set1(blk[k1].im);
+                for (int b = 0; b < kLanes; b += V::W) {
+                    const typename V::V w = cmul<V, false>(V::load(pl->lane + k1 * kLanes + b), br, bi);
+                    const typename V::V v = V::load(b0 + k1 * kLanes + b);
+                    V::store(out + k1 * cols + b, cmul<V, Inv>(v, V::dup_re(w), V::dup_im(w)));
+                }
+            }
+        });
+    }
+    for (std::size_t k1 = 0; k1 < rows; k1 += kRowBlock) {
+        for (int r = 0; r < kRowBlock; ++r)
+            stockham<C, Inv>(mid + (k1 + r) * cols, lb + r * cols, rt, pl->colsLog, 1, pl->twCols);
+        store_transposed(lb, cols, dst + k1, rows);
+    }
+}
+
+template <class C>
+void run(const FftPlan<C>* pl, const C* src, C* dst, C* work, bool inverse) {
+    if (pl->rowsLog == 0) {
+        if (inverse)
+            stockham<C, true>(src, dst, work, pl->order, 1, pl->tw);
+        else
+            stockham<C, false>(src, dst, work, pl->order, 1, pl->tw);
+    } else {
+        if (inverse)
+            four_step<C, true>(pl, src, dst, work);
+        else
+            four_step<C, false>(pl, src, dst, work);
+    }
+}
+
+void run_c(const FftPlan<CplxFloat>* pl, const CplxFloat* src, CplxFloat* dst, CplxFloat* work,
+           bool inverse) {
+    run(pl, src, dst, work, inverse);
+}
+
+void run_z(const FftPlan<CplxDouble>* pl, const CplxDouble* src, CplxDouble* dst,
+           CplxDouble* work, bool inverse) {
+    run(pl, src, dst, work, inverse);
+}
+
+void scale_s(float* x, std::size_t n, float f) {
+    for (std::size_t i = 0; i < n; ++i) x[i] *= f;
+}
+
+void scale_d(double* x, std::size_t n, double f) {
+    for (std::size_t i = 0; i < n; ++i) x[i] *= f;
+}
+
+#undef VEK_KERNEL
+
+}  // namespace
+
+extern const FftOps fft_ops = {run_c, run_z, scale_s, scale_d};
+
+}  // namespace VEK_ISA
+}  // namespace vek

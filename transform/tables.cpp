@@ -1,0 +1,395 @@
+#include "tables.hpp"
+
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+#include "fft.hpp"
+
+namespace vek {
+
+// ----------------------------------------------------------------- memory
+
+void* table_alloc(std::uint64_t bytes) {
+    if (bytes > kMaxTableBytes) return nullptr;
+    void* raw = std::malloc(std::size_t(bytes) + 64 + sizeof(void*));
+    if (!raw) return nullptr;
+    const std::uintptr_t base = reinterpret_cast<std::uintptr_t>(raw) + sizeof(void*);
+    const std::uintptr_t aligned = (base + 63) & ~std::uintptr_t(63);
+    std::memcpy(reinterpret_cast<void*>(aligned - sizeof(void*)), &raw, sizeof raw);
+    return reinterpret_cast<void*>(aligned);
+}
+
+void table_free(void* p) {
+    if (!p) return;
+    void* raw;
+    std::memcpy(&raw, static_cast<char*>(p) - sizeof(void*), sizeof raw);
+    std::free(raw);
+}
+
+template <class T>
+static void drop(T*& p) {
+    table_free(p);
+    p = nullptr;
+}
+
+// ----------------------------------------------------------------- values
+
+namespace {
+
+const long double kTwoPi = 6.283185307179586476925286766559005768L;
+// The value of 2*pi that the exported tables use.
+const long double kTableTwoPi = 6.283185307179586;
+
+}  // namespace
+
+void unit_root(std::uint64_t k, std::uint64_t n, long double* re, long double* im) {
+    k %= n;
+    // Fold into the first octant where n allows it exactly.
+    bool conj = false, mirror = false, swap = false;
+    if (2 * k > n) { k = n - k; conj = true; }                         // -angle
+    if (n % 2 == 0 && 4 * k > n) { k = n / 2 - k; mirror = true; }     // pi - angle
+    if (n % 4 == 0 && 8 * k > n) { k = n / 4 - k; swap = true; }       // pi/2 - angle
+    long double c, s;
+    if (k == 0) {
+        c = 1.0L;
+        s = 0.0L;
+    } else if (n % 8 == 0 && 8 * k == n) {
+        c = s = 0.7071067811865475244008443621048490393L;
+    } else {
+        const long double a = kTwoPi * static_cast<long double>(k) / static_cast<long double>(n);
+        c = std::cos(a);
+        s = std::sin(a);
+    }
+    if (swap) { const long double t = c; c = s; s = t; }
+    if (mirror) c = -c;
+    if (conj) s = -s;
+    *re = c;
+    *im = -s;
+}
+
+// ----------------------------------------------------------------- builders
+
+void calc_bitrev(std::int32_t* tbl, int order) {
+    const std::uint64_t n = std::uint64_t(1) << order;
+    tbl[0] = 0;
+    if (n == 1) return;
+    tbl[n - 1] = std::int32_t(n - 1);
+    // Reversed counter: j follows i with its bits mirrored.
+    std::uint64_t j = 0;
+    for (std::uint64_t i = 1; i + 1 < n; ++i) {
+        std::uint64_t k = n / 2;
+        while (k <= j) {
+            j -= k;
+            k /= 2;
+        }
+        j += k;
+        if (i <= j) {
+            tbl[j] = std::int32_t(i);
+            tbl[i] = std::int32_t(j);
+        }
+    }
+}
+
+namespace {
+
+// The angle of an exported table entry: k times (2*pi/n), extended.
+void table_root(std::uint64_t k, std::uint64_t n, long double* re, long double* im) {
+    const long double a = static_cast<long double>(k) * (kTableTwoPi / static_cast<long double>(n));
+    *re = std::cos(a);
+    *im = -std::sin(a);
+}
+
+void fill_table(CplxKind kind, void* tbl, std::uint64_t n) {
+    for (std::uint64_t k = 0; k < n; ++k) {
+        long double re, im;
+        table_root(k, n, &re, &im);
+        switch (kind) {
+        case kKindC:
+            static_cast<CplxFloat*>(tbl)[k] = CplxFloat{float(re), float(im)};
+            break;
+        case kKindZ:
+            static_cast<CplxDouble*>(tbl)[k] = CplxDouble{double(re), double(im)};
+            break;
+        default:
+            // Fixed point with 14 fraction bits, truncated toward zero.
+            static_cast<CplxShort*>(tbl)[k] =
+                CplxShort{short(16384.0L * re), short(16384.0L * im)};
+            break;
+        }
+    }
+}
+
+std::size_t element_size(CplxKind kind) {
+    return kind == kKindC ? sizeof(CplxFloat) : kind == kKindZ ? sizeof(CplxDouble) : sizeof(CplxShort);
+}
+
+}  // namespace
+
+void calc_fft_twiddles(CplxKind kind, void* tbl, int order) {
+    fill_table(kind, tbl, std::uint64_t(1) << order);
+}
+
+void calc_dft_twiddles(CplxKind kind, void* tbl, int length) {
+    fill_table(kind, tbl, std::uint64_t(length));
+}
+
+// ----------------------------------------------------------------- caches
+
+std::int32_t* bitrev_table(ThreadContext* ctx, int order) {
+    if (order < 0 || order >= kOrders) return nullptr;
+    std::int32_t*& slot = ctx->bitRevTbl[order];
+    if (!slot) {
+        auto* t = static_cast<std::int32_t*>(table_alloc(std::uint64_t(4) << order));
+        if (!t) return nullptr;
+        calc_bitrev(t, order);
+        slot = t;
+    }
+    return slot;
+}
+
+// Quarter-length list: pairs (4i, 4j) with j = rev(i) > i over order-2
+// bits, a 0, the fixed points 4i from the top down, a 0.
+std::int32_t* swap_list(ThreadContext* ctx, int order) {
+    if (order < 0 || order >= kOrders) return nullptr;
+    std::int32_t*& slot = ctx->swapList[order];
+    if (slot) return slot;
+    const std::uint64_t words = order < 2 ? 1 : std::uint64_t(1) << (order - 1);
+    auto* t = static_cast<std::int32_t*>(table_alloc(words * 4));
+    if (!t) return nullptr;
+    t[0] = 0;
+    if (order >= 2) {
+        const int bits = order - 2;
+        const std::uint64_t m = std::uint64_t(1) << bits;
+        auto rev = [bits](std::uint64_t i) {
+            std::uint64_t r = 0;
+            for (int b = 0; b < bits; ++b) r = (r << 1) | ((i >> b) & 1);
+            return r;
+        };
+        std::uint64_t w = 0;
+        for (std::uint64_t i = 1; i < m; ++i) {
+            const std::uint64_t j = rev(i);
+            if (j > i) {
+                t[w++] = std::int32_t(4 * i);
+                t[w++] = std::int32_t(4 * j);
+            }
+        }
+        t[w++] = 0;
+        for (std::uint64_t i = m; i-- > 1;)
+            if (rev(i) == i) t[w++] = std::int32_t(4 * i);
+        t[w++] = 0;
+    }
+    slot = t;
+    return slot;
+}
+
+void* fft_twiddles(ThreadContext* ctx, CplxKind kind, int order) {
+    if (order < 0 || order >= kOrders) return nullptr;
+    void*& slot = ctx->fftTwdTbl[kind][order];
+    if (!slot) {
+        const std::uint64_t bytes =
+            (std::uint64_t(1) << order) * (kind == kKindV ? 4 : element_size(kind));
+        void* t = table_alloc(bytes);
+        if (!t) return nullptr;
+        calc_fft_twiddles(kind, t, order);
+        slot = t;
+    }
+    return slot;
+}
+
+// ----------------------------------------------------------------- plans
+
+namespace {
+
+template <class C>
+C root_as(std::uint64_t k, std::uint64_t n) {
+    long double re, im;
+    unit_root(k, n, &re, &im);
+    using R = decltype(C::re);
+    return C{R(re), R(im)};
+}
+
+// W^k, W^2k, W^3k for k < N/4 as three arrays.
+template <class C>
+void fill_direct(C* tw, int order) {
+    const std::size_t q = quarter(order);
+    const std::uint64_t n = std::uint64_t(1) << order;
+    for (std::size_t k = 0; k < q; ++k) {
+        tw[k] = root_as<C>(k, n);
+        tw[q + k] = root_as<C>(2 * k, n);
+        tw[2 * q + k] = root_as<C>(3 * k, n);
+    }
+}
+
+std::size_t round64(std::size_t bytes) { return (bytes + 63) & ~std::size_t(63); }
+
+template <class C>
+FftPlan<C>* build_plan(int order) {
+    const std::size_t head = round64(sizeof(FftPlan<C>));
+    const std::uint64_t n = std::uint64_t(1) << order;
+    FftPlan<C> plan{};
+    plan.order = order;
+    std::uint64_t bytes = head;
+    std::size_t rowsTw = 0, colsTw = 0, lane = 0, block = 0;
+    if (order < kFourStepOrder) {
+        rowsTw = 3 * quarter(order);
+        bytes += round64(rowsTw * sizeof(C));
+    } else {
+        plan.rowsLog = order / 2;
+        plan.colsLog = order - plan.rowsLog;
+        const std::size_t r = std::size_t(1) << plan.rowsLog, c = std::size_t(1) << plan.colsLog;
+        rowsTw = 3 * quarter(plan.rowsLog);
+        colsTw = 3 * quarter(plan.colsLog);
+        lane = r * kLanes;
+        block = (c / kLanes) * r;
+        bytes += round64(rowsTw * sizeof(C)) + round64(colsTw * sizeof(C)) +
+                 round64(lane * sizeof(C)) + round64(block * sizeof(C));
+    }
+    auto* mem = static_cast<char*>(table_alloc(bytes));
+    if (!mem) return nullptr;
+    char* at = mem + head;
+    auto take = [&at](std::size_t count) {
+        C* p = reinterpret_cast<C*>(at);
+        at += round64(count * sizeof(C));
+        return p;
+    };
+    if (order < kFourStepOrder) {
+        C* tw = take(rowsTw);
+        fill_direct(tw, order);
+        plan.tw = tw;
+    } else {
+        C* twr = take(rowsTw);
+        C* twc = take(colsTw);
+        C* ln = take(lane);
+        C* bl = take(block);
+        fill_direct(twr, plan.rowsLog);
+        fill_direct(twc, plan.colsLog);
+        const std::size_t r = std::size_t(1) << plan.rowsLog, c = std::size_t(1) << plan.colsLog;
+        for (std::size_t k1 = 0; k1 < r; ++k1)
+            for (std::size_t b = 0; b < std::size_t(kLanes); ++b)
+                ln[k1 * kLanes + b] = root_as<C>(std::uint64_t(k1) * b, n);
+        for (std::size_t cb = 0; cb < c / kLanes; ++cb)
+            for (std::size_t k1 = 0; k1 < r; ++k1)
+                bl[cb * r + k1] = root_as<C>(std::uint64_t(k1) * cb * kLanes, n);
+        plan.twRows = twr;
+        plan.twCols = twc;
+        plan.lane = ln;
+        plan.block = bl;
+    }
+    std::memcpy(mem, &plan, sizeof plan);
+    return reinterpret_cast<FftPlan<C>*>(mem);
+}
+
+int plan_row(CplxKind kind) { return kind == kKindC ? kTblPlanC : kTblPlanZ; }
+
+}  // namespace
+
+const void* fft_plan(ThreadContext* ctx, CplxKind kind, int order) {
+    if (order < 0 || order >= kOrders || kind == kKindV) return nullptr;
+    void*& slot = ctx->orderTbl[plan_row(kind)][order];
+    if (!slot) {
+        if (kind == kKindC)
+            slot = build_plan<CplxFloat>(order);
+        else
+            slot = build_plan<CplxDouble>(order);
+    }
+    return slot;
+}
+
+void* scratch(ThreadContext* ctx, CplxKind kind, int slot, std::uint64_t bytes) {
+    ScratchSet& set = ctx->scratch[kind];
+    // Lengths are kept in 8-byte units.
+    const std::uint64_t units = (bytes + 7) / 8;
+    if (set.buffer[slot] && std::uint64_t(set.length[slot]) >= units) return set.buffer[slot];
+    if (units * 8 > kMaxTableBytes) return nullptr;
+    drop(set.buffer[slot]);
+    set.length[slot] = 0;
+    void* p = table_alloc(units * 8);
+    if (!p) return nullptr;
+    set.buffer[slot] = p;
+    set.length[slot] = std::int32_t(units);
+    return p;
+}
+
+namespace {
+
+bool try_acquire(ThreadContext* ctx, CplxKind kind, int order) {
+    // The work area first: it fails fast when the order is too large.
+    const std::size_t elem = kind == kKindC ? sizeof(CplxFloat) : sizeof(CplxDouble);
+    if (!scratch(ctx, kind, kScratchFft, std::uint64_t(fft_work(order)) * elem)) return false;
+    return swap_list(ctx, order) && fft_plan(ctx, kind, order);
+}
+
+}  // namespace
+
+bool fft_acquire(ThreadContext* ctx, CplxKind kind, int order) {
+    if (try_acquire(ctx, kind, order)) return true;
+    release_kernel_tables(ctx, kind);
+    drop(ctx->scratch[kind].buffer[kScratchFft]);
+    ctx->scratch[kind].length[kScratchFft] = 0;
+    return try_acquire(ctx, kind, order);
+}
+
+void fft_release(ThreadContext* ctx, CplxKind kind, int order) {
+    if (order >= 0 && order < kOrders) {
+        drop(ctx->orderTbl[plan_row(kind)][order]);
+        drop(ctx->swapList[order]);
+    }
+    drop(ctx->scratch[kind].buffer[kScratchFft]);
+    ctx->scratch[kind].length[kScratchFft] = 0;
+}
+
+// ----------------------------------------------------------------- release
+
+void release_kernel_tables(ThreadContext* ctx, CplxKind kind) {
+    for (int row = 0; row < kOrderTables; ++row)
+        if (kOrderTableKind[row] == kind)
+            for (void*& p : ctx->orderTbl[row]) drop(p);
+    for (std::int32_t*& p : ctx->swapList) drop(p);
+}
+
+void release_twiddles(ThreadContext* ctx, CplxKind kind) {
+    for (int i = 0; i < ctx->dftCount[kind] && i < kDftCapacity; ++i) {
+        drop(ctx->dftTbl[kind][i]);
+        ctx->dftLength[kind][i] = 0;
+    }
+    ctx->dftCount[kind] = 0;
+    for (void*& p : ctx->fftTwdTbl[kind]) drop(p);
+    release_kernel_tables(ctx, kind);
+    ScratchSet& set = ctx->scratch[kind];
+    for (int s = 0; s < 4; ++s) {
+        drop(set.buffer[s]);
+        set.length[s] = 0;
+    }
+    if (kind == kKindV) ctx->vWorkCount = 0;
+}
+
+void release_bitrev(ThreadContext* ctx) {
+    for (std::int32_t*& p : ctx->bitRevTbl) drop(p);
+    for (std::int32_t*& p : ctx->swapList) drop(p);
+}
+
+void release_all(ThreadContext* ctx) {
+    release_twiddles(ctx, kKindC);
+    release_twiddles(ctx, kKindZ);
+    release_twiddles(ctx, kKindV);
+    release_bitrev(ctx);
+}
+
+namespace {
+
+// Thread exit releases the caches in this order: c, z, v tables, then the
+// bit-reversal tables (rank 4 is the cosine tables').
+struct RegisterRelease {
+    RegisterRelease() {
+        register_cache_release(0, [](ThreadContext* c) { release_twiddles(c, kKindC); });
+        register_cache_release(1, [](ThreadContext* c) { release_twiddles(c, kKindZ); });
+        register_cache_release(2, [](ThreadContext* c) { release_twiddles(c, kKindV); });
+        register_cache_release(3, release_bitrev);
+    }
+} g_register;
+
+}  // namespace
+
+}  // namespace vek
