@@ -286,6 +286,49 @@ VEK_API void vekzrFftNip(const double* reInSamps, const double* imInSamps,
  * DFT and Goertzel
  * ======================================================================== */
 
+/* One Goertzel state serves every type: each function uses the member of
+ * its type (s and w: .s; c and v: .c; d: .d; z: .z). Fill it with
+ * vek?GoertzInit. s2 is the older delay value, s1 the newer one. */
+typedef union {
+    struct { float rfreq, cos, sin, twoCos, s2, s1; } s;
+    struct { float rfreq, cos, sin, twoCos; CplxFloat s2, s1; } c;
+    struct { double rfreq, cos, sin, twoCos, s2, s1; } d;
+    struct { double rfreq, cos, sin, twoCos; CplxDouble s2, s1; } z;
+} GoertzState;
+
+/* Goertzel detector of relative frequency rfreq (0 <= rfreq < 1): the
+ * output after N samples at rfreq = k/N is bin k of their forward DFT.
+ * Init returns VEK_StatusOk or the status it reported. */
+VEK_API int veksGoertzInit(float rfreq, GoertzState* stPtr);
+VEK_API int vekcGoertzInit(float rfreq, GoertzState* stPtr);
+VEK_API int vekdGoertzInit(double rfreq, GoertzState* stPtr);
+VEK_API int vekzGoertzInit(double rfreq, GoertzState* stPtr);
+VEK_API int vekwGoertzInit(float rfreq, GoertzState* stPtr);
+VEK_API int vekvGoertzInit(float rfreq, GoertzState* stPtr);
+VEK_API void veksGoertzReset(GoertzState* stPtr);
+VEK_API void vekcGoertzReset(GoertzState* stPtr);
+VEK_API void vekdGoertzReset(GoertzState* stPtr);
+VEK_API void vekzGoertzReset(GoertzState* stPtr);
+VEK_API void vekwGoertzReset(GoertzState* stPtr);
+VEK_API void vekvGoertzReset(GoertzState* stPtr);
+/* One sample in, the output after it. */
+VEK_API CplxFloat veksGoertz(GoertzState* stPtr, float sample);
+VEK_API CplxFloat vekcGoertz(GoertzState* stPtr, CplxFloat sample);
+VEK_API CplxDouble vekdGoertz(GoertzState* stPtr, double sample);
+VEK_API CplxDouble vekzGoertz(GoertzState* stPtr, CplxDouble sample);
+VEK_API CplxShort vekwGoertz(GoertzState* stPtr, short sample, int scaleMode, int* scaleFactor);
+VEK_API CplxShort vekvGoertz(GoertzState* stPtr, CplxShort sample, int scaleMode,
+                             int* scaleFactor);
+/* A block in, the output after its last sample. */
+VEK_API CplxFloat veksbGoertz(GoertzState* stPtr, const float* inSamps, int len);
+VEK_API CplxFloat vekcbGoertz(GoertzState* stPtr, const CplxFloat* inSamps, int len);
+VEK_API CplxDouble vekdbGoertz(GoertzState* stPtr, const double* inSamps, int len);
+VEK_API CplxDouble vekzbGoertz(GoertzState* stPtr, const CplxDouble* inSamps, int len);
+VEK_API CplxShort vekwbGoertz(GoertzState* stPtr, const short* inSamps, int len, int scaleMode,
+                              int* scaleFactor);
+VEK_API CplxShort vekvbGoertz(GoertzState* stPtr, const CplxShort* inSamps, int len,
+                              int scaleMode, int* scaleFactor);
+
 /* end of DFT and Goertzel */
 
 /* ========================================================================
