@@ -312,6 +312,11 @@ void* scratch(ThreadContext* ctx, CplxKind kind, int slot, std::uint64_t bytes) 
     return p;
 }
 
+void scratch_release(ThreadContext* ctx, CplxKind kind, int slot) {
+    drop(ctx->scratch[kind].buffer[slot]);
+    ctx->scratch[kind].length[slot] = 0;
+}
+
 namespace {
 
 bool try_acquire(ThreadContext* ctx, CplxKind kind, int order) {
