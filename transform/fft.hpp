@@ -7,7 +7,7 @@
 // interleaves its outputs; later passes run their vector loop across
 // independent sub-transforms, with one broadcast twiddle per loop.
 //
-// Orders from kFourStepOrder up are split as N = R x C (R rows of C
+// Large orders (four_step_order) are split as N = R x C (R rows of C
 // points): FFTs down the columns, kLanes columns at a time in a small
 // buffer, a twiddle W_N^(row*col) composed from two tables, FFTs along the
 // rows, and a transposed store. Every sub-transform then works in cache.
@@ -20,9 +20,20 @@
 
 namespace vek {
 
-constexpr int kFourStepOrder = 12;
-constexpr int kLanes = 8;     // columns per column-FFT block
-constexpr int kRowBlock = 8;  // rows per transposed store
+// The four-step starts where data and work area outgrow the last-level
+// cache (2 x 8 MiB); below, streaming passes are faster.
+constexpr int kFourStepLog2Bytes = 23;
+template <class C>
+constexpr int four_step_order() {
+    return kFourStepLog2Bytes - (sizeof(C) == 8 ? 3 : 4);
+}
+constexpr int kRowBlock = 16;  // rows per transposed store
+
+// Columns per column-FFT block: 256 bytes of each row.
+template <class C>
+constexpr int lanes_of() {
+    return int(256 / sizeof(C));
+}
 
 // The tables of one order, in one block. Twiddles are those of the forward
 // transform; the inverse uses their conjugates.
@@ -31,25 +42,27 @@ struct FftPlan {
     int order;
     int rowsLog;  // four-step: log2 R (0 for a direct transform)
     int colsLog;  // four-step: log2 C
+    int lanes;    // four-step: columns per block
     // Direct: W^k, W^2k, W^3k for k < N/4, as three arrays of N/4.
     const C* tw;
     // Four-step: the direct tables of the column (R) and row (C) FFTs,
     const C* twRows;
     const C* twCols;
     // and the inter-step twiddle W_N^(k1*n2) = lane[k1][b] * block[cb][k1]
-    // with n2 = cb*kLanes + b.
-    const C* lane;   // R x kLanes: W_N^(k1*b)
-    const C* block;  // (C/kLanes) x R: W_N^(k1*cb*kLanes)
+    // with n2 = cb*lanes + b.
+    const C* lane;   // R x lanes: W_N^(k1*b)
+    const C* block;  // (C/lanes) x R: W_N^(k1*cb*lanes)
 };
 
 // Elements of work area a transform of this order needs: the whole
 // intermediate of the four-step, two column blocks, a block of rows and the
 // row transform's own work area.
+template <class C>
 inline std::size_t fft_work(int order) {
     const std::size_t n = std::size_t(1) << order;
-    if (order < kFourStepOrder) return n;
+    if (order < four_step_order<C>()) return n;
     const std::size_t rows = std::size_t(1) << (order / 2), cols = n / rows;
-    return n + 2 * rows * kLanes + kRowBlock * cols + cols + 64;
+    return n + 2 * rows * lanes_of<C>() + kRowBlock * cols + cols;
 }
 
 // Points of a plan's direct twiddle arrays (three arrays of this many).

@@ -298,18 +298,19 @@ VEK_KERNEL void dft4(typename V::V& a, typename V::V& b, typename V::V& c, typen
 
 // ------------------------------------------------------------ passes
 //
-// A pass of size n with m = n/radix reads x[q + L*(p + j*m)] and writes
+// A pass of size n with m = n/radix reads x[q + si*(p + j*m)] and writes
 // y[q + L*(radix*p + r)] for p < m, q < L; output r of sub-transform p is
-// multiplied by W_n^(r*p) = tw_r[p*ts].
+// multiplied by W_n^(r*p) = tw_r[p*ts]. The input stride si is L except
+// where a first pass reads its lanes straight from strided data.
 
 // Twiddled radix-4 pass with the vector loop over q.
 template <class V, bool Inv>
-void pass_q4(const typename V::C* x, typename V::C* y, std::size_t m, std::size_t L,
-             const typename V::C* tw, std::size_t q4, std::size_t ts) {
+void pass_q4(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t m,
+             std::size_t L, const typename V::C* tw, std::size_t q4, std::size_t ts) {
     using VT = typename V::V;
-    const std::size_t s = m * L;
+    const std::size_t s = m * si;
     for (std::size_t p = 0; p < m; ++p) {
-        const typename V::C* x0 = x + p * L;
+        const typename V::C* x0 = x + p * si;
         typename V::C* y0 = y + 4 * p * L;
         if (p == 0) {
             for (std::size_t q = 0; q < L; q += V::W) {
@@ -358,11 +359,11 @@ void pass_p4(const typename V::C* x, typename V::C* y, std::size_t m, const type
 
 // Last pass of size 4 (m = 1): no twiddles; may run in place.
 template <class V, bool Inv>
-void last4(const typename V::C* x, typename V::C* y, std::size_t L) {
+void last4(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t L) {
     using VT = typename V::V;
     for (std::size_t q = 0; q < L; q += V::W) {
-        VT a = V::load(x + q), b = V::load(x + L + q), c = V::load(x + 2 * L + q),
-           d = V::load(x + 3 * L + q);
+        VT a = V::load(x + q), b = V::load(x + si + q), c = V::load(x + 2 * si + q),
+           d = V::load(x + 3 * si + q);
         dft4<V, Inv>(a, b, c, d);
         V::store(y + q, a);
         V::store(y + L + q, b);
@@ -374,15 +375,15 @@ void last4(const typename V::C* x, typename V::C* y, std::size_t L) {
 // Last pass of size 8 (m = 1): a radix-2 step, W_8 rotations, two 4-point
 // DFTs; may run in place.
 template <class V, bool Inv>
-void last8(const typename V::C* x, typename V::C* y, std::size_t L) {
+void last8(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t L) {
     using VT = typename V::V;
     using R = typename V::R;
     const VT h = V::set1(R(0.7071067811865475244008443621048490393L));
     for (std::size_t q = 0; q < L; q += V::W) {
-        VT x0 = V::load(x + q), x1 = V::load(x + L + q), x2 = V::load(x + 2 * L + q),
-           x3 = V::load(x + 3 * L + q);
-        VT x4 = V::load(x + 4 * L + q), x5 = V::load(x + 5 * L + q),
-           x6 = V::load(x + 6 * L + q), x7 = V::load(x + 7 * L + q);
+        VT x0 = V::load(x + q), x1 = V::load(x + si + q), x2 = V::load(x + 2 * si + q),
+           x3 = V::load(x + 3 * si + q);
+        VT x4 = V::load(x + 4 * si + q), x5 = V::load(x + 5 * si + q),
+           x6 = V::load(x + 6 * si + q), x7 = V::load(x + 7 * si + q);
         VT a0 = V::add(x0, x4), a1 = V::add(x1, x5), a2 = V::add(x2, x6), a3 = V::add(x3, x7);
         VT b0 = V::sub(x0, x4), b1 = V::sub(x1, x5), b2 = V::sub(x2, x6), b3 = V::sub(x3, x7);
         // b1 * W8, b2 * W8^2, b3 * W8^3 (conjugates for the inverse).
@@ -416,11 +417,12 @@ struct RealOf<CplxDouble> {
     using type = double;
 };
 
-// 2^order points in L0 interleaved lanes (point j of lane q at x[q + L0*j]),
-// src -> dst through tmp; src may equal dst. tw: the direct tables of this
-// order.
+// 2^order points in L0 lanes (point j of lane q at src[q + s0*j] and at
+// dst[q + L0*j]), src -> dst through tmp; src may equal dst (then s0 = L0).
+// tw: the direct tables of this order.
 template <class C, bool Inv>
-void stockham(const C* src, C* dst, C* tmp, int order, std::size_t L0, const C* tw) {
+void stockham(const C* src, std::size_t s0, C* dst, C* tmp, int order, std::size_t L0,
+              const C* tw) {
     using R = typename RealOf<C>::type;
     const std::size_t n = std::size_t(1) << order;
     if (order == 0) {
@@ -429,7 +431,7 @@ void stockham(const C* src, C* dst, C* tmp, int order, std::size_t L0, const C* 
     }
     if (order == 1) {
         for (std::size_t q = 0; q < L0; ++q) {
-            const C a = src[q], b = src[q + L0];
+            const C a = src[q], b = src[q + s0];
             dst[q] = C{a.re + b.re, a.im + b.im};
             dst[q + L0] = C{a.re - b.re, a.im - b.im};
         }
@@ -440,7 +442,7 @@ void stockham(const C* src, C* dst, C* tmp, int order, std::size_t L0, const C* 
     const bool lastInPlace = src == dst && passes % 2 == 1;
     const std::size_t q4 = quarter(order);
     const C* in = src;
-    std::size_t L = L0, m = n / 4;
+    std::size_t si = s0, L = L0, m = n / 4;
     for (int i = 1; i <= twiddled; ++i) {
         const int after = lastInPlace ? passes - 1 - i : passes - i;
         C* out = after % 2 == 0 ? dst : tmp;
@@ -453,25 +455,25 @@ void stockham(const C* src, C* dst, C* tmp, int order, std::size_t L0, const C* 
             const std::size_t ts = L / L0;
             by_width(static_cast<R*>(nullptr), L, [&](auto t) {
                 using V = typename decltype(t)::type;
-                pass_q4<V, Inv>(in, out, m, L, tw, q4, ts);
+                pass_q4<V, Inv>(in, si, out, m, L, tw, q4, ts);
             });
         }
         in = out;
+        si = 4 * L;
         L *= 4;
         m /= 4;
     }
     by_width(static_cast<R*>(nullptr), L, [&](auto t) {
         using V = typename decltype(t)::type;
         if (order % 2)
-            last8<V, Inv>(in, dst, L);
+            last8<V, Inv>(in, si, dst, L);
         else
-            last4<V, Inv>(in, dst, L);
+            last4<V, Inv>(in, si, dst, L);
     });
 }
 
-// rows x (its own tile width) block transposed into dst with row stride ld.
-// lb holds kRowBlock rows of c points; row r, point k2 goes to
-// dst[k2*ld + r].
+// kRowBlock rows of c points from lb to dst, transposed: row r, point k2
+// goes to dst[k2*ld + r].
 template <class C>
 void store_transposed(const C* lb, std::size_t c, C* dst, std::size_t ld) {
     using R = typename RealOf<C>::type;
@@ -492,34 +494,36 @@ template <class C, bool Inv>
 void four_step(const FftPlan<C>* pl, const C* src, C* dst, C* work) {
     using R = typename RealOf<C>::type;
     const std::size_t rows = std::size_t(1) << pl->rowsLog, cols = std::size_t(1) << pl->colsLog;
-    const std::size_t n = rows * cols;
+    const std::size_t lanes = std::size_t(pl->lanes);
     C* mid = work;
-    C* b0 = mid + n;
-    C* b1 = b0 + rows * kLanes;
-    C* lb = b1 + rows * kLanes;
+    C* b0 = mid + rows * cols;
+    C* b1 = b0 + rows * lanes;
+    C* lb = b1 + rows * lanes;
     C* rt = lb + kRowBlock * cols;
-    for (std::size_t cb = 0; cb < cols / kLanes; ++cb) {
-        const C* col = src + cb * kLanes;
-        for (std::size_t k = 0; k < rows; ++k)
-            std::memcpy(b0 + k * kLanes, col + k * cols, kLanes * sizeof(C));
-        stockham<C, Inv>(b0, b0, b1, pl->rowsLog, kLanes, pl->twRows);
+    // Columns, a block of lanes at a time: the first pass reads them
+    // straight from the strided input.
+    for (std::size_t cb = 0; cb < cols / lanes; ++cb) {
+        stockham<C, Inv>(src + cb * lanes, cols, b0, b1, pl->rowsLog, lanes, pl->twRows);
         const C* blk = pl->block + cb * rows;
-        C* out = mid + cb * kLanes;
-        by_width(static_cast<R*>(nullptr), kLanes, [&](auto t) {
+        C* out = mid + cb * lanes;
+        by_width(static_cast<R*>(nullptr), lanes, [&](auto t) {
             using V = typename decltype(t)::type;
             for (std::size_t k1 = 0; k1 < rows; ++k1) {
                 const typename V::V br = V::set1(blk[k1].re), bi = V::set1(blk[k1].im);
-                for (int b = 0; b < kLanes; b += V::W) {
-                    const typename V::V w = cmul<V, false>(V::load(pl->lane + k1 * kLanes + b), br, bi);
-                    const typename V::V v = V::load(b0 + k1 * kLanes + b);
+                const C* ln = pl->lane + k1 * lanes;
+                for (std::size_t b = 0; b < lanes; b += V::W) {
+                    const typename V::V w = cmul<V, false>(V::load(ln + b), br, bi);
+                    const typename V::V v = V::load(b0 + k1 * lanes + b);
                     V::store(out + k1 * cols + b, cmul<V, Inv>(v, V::dup_re(w), V::dup_im(w)));
                 }
             }
         });
     }
+    // Rows, then the transposed store into the output.
     for (std::size_t k1 = 0; k1 < rows; k1 += kRowBlock) {
         for (int r = 0; r < kRowBlock; ++r)
-            stockham<C, Inv>(mid + (k1 + r) * cols, lb + r * cols, rt, pl->colsLog, 1, pl->twCols);
+            stockham<C, Inv>(mid + (k1 + r) * cols, 1, lb + r * cols, rt, pl->colsLog, 1,
+                             pl->twCols);
         store_transposed(lb, cols, dst + k1, rows);
     }
 }
@@ -528,9 +532,9 @@ template <class C>
 void run(const FftPlan<C>* pl, const C* src, C* dst, C* work, bool inverse) {
     if (pl->rowsLog == 0) {
         if (inverse)
-            stockham<C, true>(src, dst, work, pl->order, 1, pl->tw);
+            stockham<C, true>(src, 1, dst, work, pl->order, 1, pl->tw);
         else
-            stockham<C, false>(src, dst, work, pl->order, 1, pl->tw);
+            stockham<C, false>(src, 1, dst, work, pl->order, 1, pl->tw);
     } else {
         if (inverse)
             four_step<C, true>(pl, src, dst, work);

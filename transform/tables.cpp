@@ -232,7 +232,8 @@ FftPlan<C>* build_plan(int order) {
     plan.order = order;
     std::uint64_t bytes = head;
     std::size_t rowsTw = 0, colsTw = 0, lane = 0, block = 0;
-    if (order < kFourStepOrder) {
+    const bool direct = order < four_step_order<C>();
+    if (direct) {
         rowsTw = 3 * quarter(order);
         bytes += round64(rowsTw * sizeof(C));
     } else {
@@ -241,8 +242,9 @@ FftPlan<C>* build_plan(int order) {
         const std::size_t r = std::size_t(1) << plan.rowsLog, c = std::size_t(1) << plan.colsLog;
         rowsTw = 3 * quarter(plan.rowsLog);
         colsTw = 3 * quarter(plan.colsLog);
-        lane = r * kLanes;
-        block = (c / kLanes) * r;
+        plan.lanes = lanes_of<C>();
+        lane = r * plan.lanes;
+        block = (c / plan.lanes) * r;
         bytes += round64(rowsTw * sizeof(C)) + round64(colsTw * sizeof(C)) +
                  round64(lane * sizeof(C)) + round64(block * sizeof(C));
     }
@@ -254,7 +256,7 @@ FftPlan<C>* build_plan(int order) {
         at += round64(count * sizeof(C));
         return p;
     };
-    if (order < kFourStepOrder) {
+    if (direct) {
         C* tw = take(rowsTw);
         fill_direct(tw, order);
         plan.tw = tw;
@@ -267,11 +269,11 @@ FftPlan<C>* build_plan(int order) {
         fill_direct(twc, plan.colsLog);
         const std::size_t r = std::size_t(1) << plan.rowsLog, c = std::size_t(1) << plan.colsLog;
         for (std::size_t k1 = 0; k1 < r; ++k1)
-            for (std::size_t b = 0; b < std::size_t(kLanes); ++b)
-                ln[k1 * kLanes + b] = root_as<C>(std::uint64_t(k1) * b, n);
-        for (std::size_t cb = 0; cb < c / kLanes; ++cb)
+            for (std::size_t b = 0; b < std::size_t(plan.lanes); ++b)
+                ln[k1 * plan.lanes + b] = root_as<C>(std::uint64_t(k1) * b, n);
+        for (std::size_t cb = 0; cb < c / plan.lanes; ++cb)
             for (std::size_t k1 = 0; k1 < r; ++k1)
-                bl[cb * r + k1] = root_as<C>(std::uint64_t(k1) * cb * kLanes, n);
+                bl[cb * r + k1] = root_as<C>(std::uint64_t(k1) * cb * plan.lanes, n);
         plan.twRows = twr;
         plan.twCols = twc;
         plan.lane = ln;
@@ -316,8 +318,9 @@ namespace {
 
 bool try_acquire(ThreadContext* ctx, CplxKind kind, int order) {
     // The work area first: it fails fast when the order is too large.
-    const std::size_t elem = kind == kKindC ? sizeof(CplxFloat) : sizeof(CplxDouble);
-    if (!scratch(ctx, kind, kScratchFft, std::uint64_t(fft_work(order)) * elem)) return false;
+    const std::uint64_t bytes = kind == kKindC ? fft_work<CplxFloat>(order) * sizeof(CplxFloat)
+                                               : fft_work<CplxDouble>(order) * sizeof(CplxDouble);
+    if (!scratch(ctx, kind, kScratchFft, bytes)) return false;
     return swap_list(ctx, order) && fft_plan(ctx, kind, order);
 }
 
