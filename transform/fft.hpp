@@ -14,6 +14,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "frame/cpu.hpp"
 #include "vek.h"
@@ -58,10 +59,10 @@ struct FftPlan {
 // intermediate of the four-step, two column blocks, a block of rows and the
 // row transform's own work area.
 template <class C>
-inline std::size_t fft_work(int order) {
-    const std::size_t n = std::size_t(1) << order;
+inline std::uint64_t fft_work(int order) {
+    const std::uint64_t n = std::uint64_t(1) << order;
     if (order < four_step_order<C>()) return n;
-    const std::size_t rows = std::size_t(1) << (order / 2), cols = n / rows;
+    const std::uint64_t rows = std::uint64_t(1) << (order / 2), cols = n / rows;
     return n + 2 * rows * lanes_of<C>() + kRowBlock * cols + cols;
 }
 
