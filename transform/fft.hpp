@@ -2,10 +2,11 @@
 //
 // Every transform runs natural order in, natural order out, as Stockham
 // autosort passes between the data and a work area (so no permutation
-// pass): radix-4 passes with per-pass twiddles, then one final radix-4 or
-// radix-8 pass without twiddles. The first pass reads contiguous points and
-// interleaves its outputs; later passes run their vector loop across
-// independent sub-transforms, with one broadcast twiddle per loop.
+// pass): a radix-4 first pass that reads contiguous points and interleaves
+// its outputs, radix-8 (and at most one radix-4) passes whose vector loop
+// runs across independent sub-transforms with broadcast twiddles, and a
+// last radix-4 or radix-8 pass that needs no twiddles. Each pass reads its
+// twiddles from its own table, in the order the loop uses them.
 //
 // Large orders (four_step_order) are split as N = R x C (R rows of C
 // points): FFTs down the columns, kLanes columns at a time in a small
@@ -36,19 +37,46 @@ constexpr int lanes_of() {
     return int(256 / sizeof(C));
 }
 
-// The tables of one order, in one block. Twiddles are those of the forward
-// transform; the inverse uses their conjugates.
+// One pass of a schedule. A pass of size n = radix*m reads point p + j*m of
+// each sub-transform and writes point radix*p + r, multiplied by W_n^(r*p).
+enum FftPassKind : int {
+    kPassFirst4,  // radix 4, vector loop over p; twiddles as three arrays of m
+    kPassTw4,     // radix 4, vector loop over lanes; per p: W^p, W^2p, W^3p
+    kPassTw8,     // radix 8, the same with W^p .. W^7p
+    kPassLast2,   // the last pass (m = 1): no twiddles
+    kPassLast4,
+    kPassLast8
+};
+
+struct FftPass {
+    int kind;
+    std::size_t m;   // sub-transforms of this pass
+    std::size_t tw;  // offset of its twiddles in the schedule's table
+};
+
+constexpr int kMaxPasses = 16;
+
+// The passes of one transform of 2^order points and their twiddles (those of
+// the forward transform; the inverse uses their conjugates).
+template <class C>
+struct FftSchedule {
+    int order;
+    int passes;
+    FftPass pass[kMaxPasses];
+    const C* tw;
+};
+
+// The tables of one order, in one block.
 template <class C>
 struct FftPlan {
     int order;
     int rowsLog;  // four-step: log2 R (0 for a direct transform)
     int colsLog;  // four-step: log2 C
     int lanes;    // four-step: columns per block
-    // Direct: W^k, W^2k, W^3k for k < N/4, as three arrays of N/4.
-    const C* tw;
-    // Four-step: the direct tables of the column (R) and row (C) FFTs,
-    const C* twRows;
-    const C* twCols;
+    FftSchedule<C> whole;  // direct
+    // Four-step: the column FFTs (lanes interleaved), the row FFTs,
+    FftSchedule<C> rows;
+    FftSchedule<C> cols;
     // and the inter-step twiddle W_N^(k1*n2) = lane[k1][b] * block[cb][k1]
     // with n2 = cb*lanes + b.
     const C* lane;   // R x lanes: W_N^(k1*b)
@@ -65,9 +93,6 @@ inline std::uint64_t fft_work(int order) {
     const std::uint64_t rows = std::uint64_t(1) << (order / 2), cols = n / rows;
     return n + 2 * rows * lanes_of<C>() + kRowBlock * cols + cols;
 }
-
-// Points of a plan's direct twiddle arrays (three arrays of this many).
-inline std::size_t quarter(int order) { return order >= 2 ? std::size_t(1) << (order - 2) : 1; }
 
 struct FftOps {
     // dst = FFT(src) (src may equal dst; work holds plan->work elements).
