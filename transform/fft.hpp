@@ -2,58 +2,97 @@
 //
 // Every transform runs natural order in, natural order out, as Stockham
 // autosort passes between the data and a work area (so no permutation
-// pass): radix-4 passes with per-pass twiddles, then one final radix-4 or
-// radix-8 pass without twiddles. The first pass reads contiguous points and
-// interleaves its outputs; later passes run their vector loop across
-// independent sub-transforms, with one broadcast twiddle per loop.
+// pass): a radix-4 first pass that reads contiguous points and interleaves
+// its outputs, radix-8 (and at most one radix-4) passes whose vector loop
+// runs across independent sub-transforms with broadcast twiddles, and a
+// last radix-4 or radix-8 pass that needs no twiddles. Each pass reads its
+// twiddles from its own table, in the order the loop uses them.
 //
-// Orders from kFourStepOrder up are split as N = R x C (R rows of C
+// Large orders (four_step_order) are split as N = R x C (R rows of C
 // points): FFTs down the columns, kLanes columns at a time in a small
 // buffer, a twiddle W_N^(row*col) composed from two tables, FFTs along the
 // rows, and a transposed store. Every sub-transform then works in cache.
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "frame/cpu.hpp"
 #include "vek.h"
 
 namespace vek {
 
-constexpr int kFourStepOrder = 12;
-constexpr int kLanes = 8;     // columns per column-FFT block
-constexpr int kRowBlock = 8;  // rows per transposed store
+// The four-step starts where data and work area outgrow the last-level
+// cache (2 x 8 MiB); below, streaming passes are faster.
+constexpr int kFourStepLog2Bytes = 23;
+template <class C>
+constexpr int four_step_order() {
+    return kFourStepLog2Bytes - (sizeof(C) == 8 ? 3 : 4);
+}
+constexpr int kRowBlock = 16;  // rows per transposed store
 
-// The tables of one order, in one block. Twiddles are those of the forward
-// transform; the inverse uses their conjugates.
+// Columns per column-FFT block: 256 bytes of each row.
+template <class C>
+constexpr int lanes_of() {
+    return int(256 / sizeof(C));
+}
+
+// One pass of a schedule. A pass of size n = radix*m reads point p + j*m of
+// each sub-transform and writes point radix*p + r, multiplied by W_n^(r*p).
+enum FftPassKind : int {
+    kPassFirst4,  // radix 4, vector loop over p; twiddles as three arrays of m
+    kPassTw4,     // radix 4, vector loop over lanes; per p: W^p, W^2p, W^3p
+    kPassTw8,     // radix 8, the same with W^p .. W^7p
+    kPassLast2,   // the last pass (m = 1): no twiddles
+    kPassLast4,
+    kPassLast8
+};
+
+struct FftPass {
+    int kind;
+    std::size_t m;   // sub-transforms of this pass
+    std::size_t tw;  // offset of its twiddles in the schedule's table
+};
+
+constexpr int kMaxPasses = 16;
+
+// The passes of one transform of 2^order points and their twiddles (those of
+// the forward transform; the inverse uses their conjugates).
+template <class C>
+struct FftSchedule {
+    int order;
+    int passes;
+    FftPass pass[kMaxPasses];
+    const C* tw;
+};
+
+// The tables of one order, in one block.
 template <class C>
 struct FftPlan {
     int order;
     int rowsLog;  // four-step: log2 R (0 for a direct transform)
     int colsLog;  // four-step: log2 C
-    // Direct: W^k, W^2k, W^3k for k < N/4, as three arrays of N/4.
-    const C* tw;
-    // Four-step: the direct tables of the column (R) and row (C) FFTs,
-    const C* twRows;
-    const C* twCols;
+    int lanes;    // four-step: columns per block
+    FftSchedule<C> whole;  // direct
+    // Four-step: the column FFTs (lanes interleaved), the row FFTs,
+    FftSchedule<C> rows;
+    FftSchedule<C> cols;
     // and the inter-step twiddle W_N^(k1*n2) = lane[k1][b] * block[cb][k1]
-    // with n2 = cb*kLanes + b.
-    const C* lane;   // R x kLanes: W_N^(k1*b)
-    const C* block;  // (C/kLanes) x R: W_N^(k1*cb*kLanes)
+    // with n2 = cb*lanes + b.
+    const C* lane;   // R x lanes: W_N^(k1*b)
+    const C* block;  // (C/lanes) x R: W_N^(k1*cb*lanes)
 };
 
 // Elements of work area a transform of this order needs: the whole
 // intermediate of the four-step, two column blocks, a block of rows and the
 // row transform's own work area.
-inline std::size_t fft_work(int order) {
-    const std::size_t n = std::size_t(1) << order;
-    if (order < kFourStepOrder) return n;
-    const std::size_t rows = std::size_t(1) << (order / 2), cols = n / rows;
-    return n + 2 * rows * kLanes + kRowBlock * cols + cols + 64;
+template <class C>
+inline std::uint64_t fft_work(int order) {
+    const std::uint64_t n = std::uint64_t(1) << order;
+    if (order < four_step_order<C>()) return n;
+    const std::uint64_t rows = std::uint64_t(1) << (order / 2), cols = n / rows;
+    return n + 2 * rows * lanes_of<C>() + kRowBlock * cols + cols;
 }
-
-// Points of a plan's direct twiddle arrays (three arrays of this many).
-inline std::size_t quarter(int order) { return order >= 2 ? std::size_t(1) << (order - 2) : 1; }
 
 struct FftOps {
     // dst = FFT(src) (src may equal dst; work holds plan->work elements).

@@ -298,57 +298,103 @@ VEK_KERNEL void dft4(typename V::V& a, typename V::V& b, typename V::V& c, typen
 
 // ------------------------------------------------------------ passes
 //
-// A pass of size n with m = n/radix reads x[q + L*(p + j*m)] and writes
+// A pass of size n with m = n/radix reads x[q + si*(p + j*m)] and writes
 // y[q + L*(radix*p + r)] for p < m, q < L; output r of sub-transform p is
-// multiplied by W_n^(r*p) = tw_r[p*ts].
+// multiplied by W_n^(r*p) = tw_r[p*ts]. The input stride si is L except
+// where a first pass reads its lanes straight from strided data.
 
-// Twiddled radix-4 pass with the vector loop over q.
+// Twiddled radix-4 pass with the vector loop over the lanes q; tw holds
+// W^p, W^2p, W^3p for each p.
 template <class V, bool Inv>
-void pass_q4(const typename V::C* x, typename V::C* y, std::size_t m, std::size_t L,
-             const typename V::C* tw, std::size_t q4, std::size_t ts) {
+void pass_q4(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t m,
+             std::size_t L, const typename V::C* tw) {
     using VT = typename V::V;
-    const std::size_t s = m * L;
+    const std::size_t s = m * si;
     for (std::size_t p = 0; p < m; ++p) {
-        const typename V::C* x0 = x + p * L;
+        const typename V::C* x0 = x + p * si;
         typename V::C* y0 = y + 4 * p * L;
-        if (p == 0) {
-            for (std::size_t q = 0; q < L; q += V::W) {
-                VT a = V::load(x0 + q), b = V::load(x0 + s + q);
-                VT c = V::load(x0 + 2 * s + q), d = V::load(x0 + 3 * s + q);
-                dft4<V, Inv>(a, b, c, d);
-                V::store(y0 + q, a);
-                V::store(y0 + L + q, b);
-                V::store(y0 + 2 * L + q, c);
-                V::store(y0 + 3 * L + q, d);
-            }
-            continue;
-        }
-        const typename V::C w1 = tw[p * ts], w2 = tw[q4 + p * ts], w3 = tw[2 * q4 + p * ts];
-        const VT w1r = V::set1(w1.re), w1i = V::set1(w1.im);
-        const VT w2r = V::set1(w2.re), w2i = V::set1(w2.im);
-        const VT w3r = V::set1(w3.re), w3i = V::set1(w3.im);
+        const typename V::C* w = tw + 3 * p;
         for (std::size_t q = 0; q < L; q += V::W) {
             VT a = V::load(x0 + q), b = V::load(x0 + s + q);
             VT c = V::load(x0 + 2 * s + q), d = V::load(x0 + 3 * s + q);
             dft4<V, Inv>(a, b, c, d);
             V::store(y0 + q, a);
-            V::store(y0 + L + q, cmul<V, Inv>(b, w1r, w1i));
-            V::store(y0 + 2 * L + q, cmul<V, Inv>(c, w2r, w2i));
-            V::store(y0 + 3 * L + q, cmul<V, Inv>(d, w3r, w3i));
+            if (p == 0) {
+                V::store(y0 + L + q, b);
+                V::store(y0 + 2 * L + q, c);
+                V::store(y0 + 3 * L + q, d);
+            } else {
+                V::store(y0 + L + q, cmul<V, Inv>(b, V::set1(w[0].re), V::set1(w[0].im)));
+                V::store(y0 + 2 * L + q, cmul<V, Inv>(c, V::set1(w[1].re), V::set1(w[1].im)));
+                V::store(y0 + 3 * L + q, cmul<V, Inv>(d, V::set1(w[2].re), V::set1(w[2].im)));
+            }
+        }
+    }
+}
+
+// Eight-point DFT in place: x[0..7] becomes X[0..7]. A radix-2 step, W_8
+// rotations (conjugated for the inverse), two four-point DFTs.
+template <class V, bool Inv>
+VEK_KERNEL void dft8(typename V::V* x) {
+    using VT = typename V::V;
+    using R = typename V::R;
+    const VT h = V::set1(R(0.7071067811865475244008443621048490393L));
+    VT a0 = V::add(x[0], x[4]), a1 = V::add(x[1], x[5]), a2 = V::add(x[2], x[6]),
+       a3 = V::add(x[3], x[7]);
+    VT b0 = V::sub(x[0], x[4]), b1 = V::sub(x[1], x[5]), b2 = V::sub(x[2], x[6]),
+       b3 = V::sub(x[3], x[7]);
+    // (1 -/+ i)/sqrt(2) rotations: b + (-/+ i) b, scaled.
+    b1 = V::mul(V::add(b1, mul_mi<V, Inv>(b1)), h);
+    b2 = mul_mi<V, Inv>(b2);
+    b3 = mul_mi<V, Inv>(V::mul(V::add(b3, mul_mi<V, Inv>(b3)), h));
+    dft4<V, Inv>(a0, a1, a2, a3);
+    dft4<V, Inv>(b0, b1, b2, b3);
+    x[0] = a0;
+    x[1] = b0;
+    x[2] = a1;
+    x[3] = b1;
+    x[4] = a2;
+    x[5] = b2;
+    x[6] = a3;
+    x[7] = b3;
+}
+
+// Twiddled radix-8 pass with the vector loop over the lanes q; tw holds
+// W^p .. W^7p for each p.
+template <class V, bool Inv>
+void pass_q8(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t m,
+             std::size_t L, const typename V::C* tw) {
+    using VT = typename V::V;
+    const std::size_t s = m * si;
+    for (std::size_t p = 0; p < m; ++p) {
+        const typename V::C* x0 = x + p * si;
+        typename V::C* y0 = y + 8 * p * L;
+        const typename V::C* w = tw + 7 * p;
+        for (std::size_t q = 0; q < L; q += V::W) {
+            VT v[8];
+            for (int j = 0; j < 8; ++j) v[j] = V::load(x0 + j * s + q);
+            dft8<V, Inv>(v);
+            V::store(y0 + q, v[0]);
+            if (p == 0) {
+                for (int r = 1; r < 8; ++r) V::store(y0 + r * L + q, v[r]);
+            } else {
+                for (int r = 1; r < 8; ++r)
+                    V::store(y0 + r * L + q,
+                             cmul<V, Inv>(v[r], V::set1(w[r - 1].re), V::set1(w[r - 1].im)));
+            }
         }
     }
 }
 
 // Twiddled radix-4 first pass (L = 1) with the vector loop over p.
 template <class V, bool Inv>
-void pass_p4(const typename V::C* x, typename V::C* y, std::size_t m, const typename V::C* tw,
-             std::size_t q4) {
+void pass_p4(const typename V::C* x, typename V::C* y, std::size_t m, const typename V::C* tw) {
     using VT = typename V::V;
     for (std::size_t p = 0; p < m; p += V::W) {
         VT a = V::load(x + p), b = V::load(x + m + p);
         VT c = V::load(x + 2 * m + p), d = V::load(x + 3 * m + p);
         dft4<V, Inv>(a, b, c, d);
-        const VT w1 = V::load(tw + p), w2 = V::load(tw + q4 + p), w3 = V::load(tw + 2 * q4 + p);
+        const VT w1 = V::load(tw + p), w2 = V::load(tw + m + p), w3 = V::load(tw + 2 * m + p);
         b = cmul<V, Inv>(b, V::dup_re(w1), V::dup_im(w1));
         c = cmul<V, Inv>(c, V::dup_re(w2), V::dup_im(w2));
         d = cmul<V, Inv>(d, V::dup_re(w3), V::dup_im(w3));
@@ -358,11 +404,11 @@ void pass_p4(const typename V::C* x, typename V::C* y, std::size_t m, const type
 
 // Last pass of size 4 (m = 1): no twiddles; may run in place.
 template <class V, bool Inv>
-void last4(const typename V::C* x, typename V::C* y, std::size_t L) {
+void last4(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t L) {
     using VT = typename V::V;
     for (std::size_t q = 0; q < L; q += V::W) {
-        VT a = V::load(x + q), b = V::load(x + L + q), c = V::load(x + 2 * L + q),
-           d = V::load(x + 3 * L + q);
+        VT a = V::load(x + q), b = V::load(x + si + q), c = V::load(x + 2 * si + q),
+           d = V::load(x + 3 * si + q);
         dft4<V, Inv>(a, b, c, d);
         V::store(y + q, a);
         V::store(y + L + q, b);
@@ -371,35 +417,15 @@ void last4(const typename V::C* x, typename V::C* y, std::size_t L) {
     }
 }
 
-// Last pass of size 8 (m = 1): a radix-2 step, W_8 rotations, two 4-point
-// DFTs; may run in place.
+// Last pass of size 8 (m = 1): no twiddles; may run in place.
 template <class V, bool Inv>
-void last8(const typename V::C* x, typename V::C* y, std::size_t L) {
+void last8(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t L) {
     using VT = typename V::V;
-    using R = typename V::R;
-    const VT h = V::set1(R(0.7071067811865475244008443621048490393L));
     for (std::size_t q = 0; q < L; q += V::W) {
-        VT x0 = V::load(x + q), x1 = V::load(x + L + q), x2 = V::load(x + 2 * L + q),
-           x3 = V::load(x + 3 * L + q);
-        VT x4 = V::load(x + 4 * L + q), x5 = V::load(x + 5 * L + q),
-           x6 = V::load(x + 6 * L + q), x7 = V::load(x + 7 * L + q);
-        VT a0 = V::add(x0, x4), a1 = V::add(x1, x5), a2 = V::add(x2, x6), a3 = V::add(x3, x7);
-        VT b0 = V::sub(x0, x4), b1 = V::sub(x1, x5), b2 = V::sub(x2, x6), b3 = V::sub(x3, x7);
-        // b1 * W8, b2 * W8^2, b3 * W8^3 (conjugates for the inverse).
-        b1 = V::mul(Inv ? V::add(b1, V::neg_re(V::swap(b1))) : V::add(b1, V::neg_im(V::swap(b1))), h);
-        b2 = mul_mi<V, Inv>(b2);
-        b3 = V::mul(Inv ? V::add(b3, V::neg_re(V::swap(b3))) : V::add(b3, V::neg_im(V::swap(b3))), h);
-        b3 = mul_mi<V, Inv>(b3);
-        dft4<V, Inv>(a0, a1, a2, a3);
-        dft4<V, Inv>(b0, b1, b2, b3);
-        V::store(y + q, a0);
-        V::store(y + L + q, b0);
-        V::store(y + 2 * L + q, a1);
-        V::store(y + 3 * L + q, b1);
-        V::store(y + 4 * L + q, a2);
-        V::store(y + 5 * L + q, b2);
-        V::store(y + 6 * L + q, a3);
-        V::store(y + 7 * L + q, b3);
+        VT v[8];
+        for (int j = 0; j < 8; ++j) v[j] = V::load(x + j * si + q);
+        dft8<V, Inv>(v);
+        for (int r = 0; r < 8; ++r) V::store(y + r * L + q, v[r]);
     }
 }
 
@@ -416,62 +442,80 @@ struct RealOf<CplxDouble> {
     using type = double;
 };
 
-// 2^order points in L0 interleaved lanes (point j of lane q at x[q + L0*j]),
-// src -> dst through tmp; src may equal dst. tw: the direct tables of this
-// order.
+// The transform of a schedule on 2^order points in L0 lanes (point j of
+// lane q at src[q + s0*j] and at dst[q + L0*j]), src -> dst through tmp;
+// src may equal dst (then s0 = L0).
 template <class C, bool Inv>
-void stockham(const C* src, C* dst, C* tmp, int order, std::size_t L0, const C* tw) {
+void stockham(const C* src, std::size_t s0, C* dst, C* tmp, const FftSchedule<C>& sc,
+              std::size_t L0) {
     using R = typename RealOf<C>::type;
-    const std::size_t n = std::size_t(1) << order;
-    if (order == 0) {
-        if (src != dst) std::memcpy(dst, src, L0 * sizeof(C));
+    const int passes = sc.passes;
+    if (passes == 0) {
+        if (src != dst)
+            for (std::size_t q = 0; q < L0; ++q) dst[q] = src[q];
         return;
     }
-    if (order == 1) {
-        for (std::size_t q = 0; q < L0; ++q) {
-            const C a = src[q], b = src[q + L0];
-            dst[q] = C{a.re + b.re, a.im + b.im};
-            dst[q + L0] = C{a.re - b.re, a.im - b.im};
-        }
-        return;
-    }
-    const int twiddled = order % 2 == 0 ? order / 2 - 1 : (order - 3) / 2;
-    const int passes = twiddled + 1;
+    // Passes alternate between dst and tmp so that the last lands in dst;
+    // when src is dst and the count is odd, the last pass (which may) runs
+    // in place.
     const bool lastInPlace = src == dst && passes % 2 == 1;
-    const std::size_t q4 = quarter(order);
     const C* in = src;
-    std::size_t L = L0, m = n / 4;
-    for (int i = 1; i <= twiddled; ++i) {
-        const int after = lastInPlace ? passes - 1 - i : passes - i;
-        C* out = after % 2 == 0 ? dst : tmp;
-        if (L == 1) {
-            by_width<true>(static_cast<R*>(nullptr), m, [&](auto t) {
+    std::size_t si = s0, L = L0;
+    for (int i = 0; i < passes; ++i) {
+        const FftPass& ps = sc.pass[i];
+        const int after = lastInPlace ? passes - 2 - i : passes - 1 - i;
+        C* out = after <= 0 ? dst : after % 2 == 0 ? dst : tmp;
+        const C* tw = sc.tw + ps.tw;
+        switch (ps.kind) {
+        case kPassFirst4:
+            by_width<true>(static_cast<R*>(nullptr), ps.m, [&](auto t) {
                 using V = typename decltype(t)::type;
-                pass_p4<V, Inv>(in, out, m, tw, q4);
+                pass_p4<V, Inv>(in, out, ps.m, tw);
             });
-        } else {
-            const std::size_t ts = L / L0;
+            break;
+        case kPassTw4:
             by_width(static_cast<R*>(nullptr), L, [&](auto t) {
                 using V = typename decltype(t)::type;
-                pass_q4<V, Inv>(in, out, m, L, tw, q4, ts);
+                pass_q4<V, Inv>(in, si, out, ps.m, L, tw);
             });
+            break;
+        case kPassTw8:
+            by_width(static_cast<R*>(nullptr), L, [&](auto t) {
+                using V = typename decltype(t)::type;
+                pass_q8<V, Inv>(in, si, out, ps.m, L, tw);
+            });
+            break;
+        case kPassLast2:
+            for (std::size_t q = 0; q < L; ++q) {
+                const C a = in[q], b = in[q + si];
+                out[q] = C{a.re + b.re, a.im + b.im};
+                out[q + L] = C{a.re - b.re, a.im - b.im};
+            }
+            break;
+        case kPassLast4:
+            by_width(static_cast<R*>(nullptr), L, [&](auto t) {
+                using V = typename decltype(t)::type;
+                last4<V, Inv>(in, si, out, L);
+            });
+            break;
+        default:
+            by_width(static_cast<R*>(nullptr), L, [&](auto t) {
+                using V = typename decltype(t)::type;
+                last8<V, Inv>(in, si, out, L);
+            });
+            break;
         }
+        const std::size_t radix = ps.kind == kPassLast2 ? 2
+                                  : ps.kind == kPassTw8 || ps.kind == kPassLast8 ? 8
+                                                                                 : 4;
         in = out;
-        L *= 4;
-        m /= 4;
+        L *= radix;
+        si = L;
     }
-    by_width(static_cast<R*>(nullptr), L, [&](auto t) {
-        using V = typename decltype(t)::type;
-        if (order % 2)
-            last8<V, Inv>(in, dst, L);
-        else
-            last4<V, Inv>(in, dst, L);
-    });
 }
 
-// rows x (its own tile width) block transposed into dst with row stride ld.
-// lb holds kRowBlock rows of c points; row r, point k2 goes to
-// dst[k2*ld + r].
+// kRowBlock rows of c points from lb to dst, transposed: row r, point k2
+// goes to dst[k2*ld + r].
 template <class C>
 void store_transposed(const C* lb, std::size_t c, C* dst, std::size_t ld) {
     using R = typename RealOf<C>::type;
@@ -492,34 +536,35 @@ template <class C, bool Inv>
 void four_step(const FftPlan<C>* pl, const C* src, C* dst, C* work) {
     using R = typename RealOf<C>::type;
     const std::size_t rows = std::size_t(1) << pl->rowsLog, cols = std::size_t(1) << pl->colsLog;
-    const std::size_t n = rows * cols;
+    const std::size_t lanes = std::size_t(pl->lanes);
     C* mid = work;
-    C* b0 = mid + n;
-    C* b1 = b0 + rows * kLanes;
-    C* lb = b1 + rows * kLanes;
+    C* b0 = mid + rows * cols;
+    C* b1 = b0 + rows * lanes;
+    C* lb = b1 + rows * lanes;
     C* rt = lb + kRowBlock * cols;
-    for (std::size_t cb = 0; cb < cols / kLanes; ++cb) {
-        const C* col = src + cb * kLanes;
-        for (std::size_t k = 0; k < rows; ++k)
-            std::memcpy(b0 + k * kLanes, col + k * cols, kLanes * sizeof(C));
-        stockham<C, Inv>(b0, b0, b1, pl->rowsLog, kLanes, pl->twRows);
+    // Columns, a block of lanes at a time: the first pass reads them
+    // straight from the strided input.
+    for (std::size_t cb = 0; cb < cols / lanes; ++cb) {
+        stockham<C, Inv>(src + cb * lanes, cols, b0, b1, pl->rows, lanes);
         const C* blk = pl->block + cb * rows;
-        C* out = mid + cb * kLanes;
-        by_width(static_cast<R*>(nullptr), kLanes, [&](auto t) {
+        C* out = mid + cb * lanes;
+        by_width(static_cast<R*>(nullptr), lanes, [&](auto t) {
             using V = typename decltype(t)::type;
             for (std::size_t k1 = 0; k1 < rows; ++k1) {
                 const typename V::V br = V::set1(blk[k1].re), bi = V::set1(blk[k1].im);
-                for (int b = 0; b < kLanes; b += V::W) {
-                    const typename V::V w = cmul<V, false>(V::load(pl->lane + k1 * kLanes + b), br, bi);
-                    const typename V::V v = V::load(b0 + k1 * kLanes + b);
+                const C* ln = pl->lane + k1 * lanes;
+                for (std::size_t b = 0; b < lanes; b += V::W) {
+                    const typename V::V w = cmul<V, false>(V::load(ln + b), br, bi);
+                    const typename V::V v = V::load(b0 + k1 * lanes + b);
                     V::store(out + k1 * cols + b, cmul<V, Inv>(v, V::dup_re(w), V::dup_im(w)));
                 }
             }
         });
     }
+    // Rows, then the transposed store into the output.
     for (std::size_t k1 = 0; k1 < rows; k1 += kRowBlock) {
         for (int r = 0; r < kRowBlock; ++r)
-            stockham<C, Inv>(mid + (k1 + r) * cols, lb + r * cols, rt, pl->colsLog, 1, pl->twCols);
+            stockham<C, Inv>(mid + (k1 + r) * cols, 1, lb + r * cols, rt, pl->cols, 1);
         store_transposed(lb, cols, dst + k1, rows);
     }
 }
@@ -528,9 +573,9 @@ template <class C>
 void run(const FftPlan<C>* pl, const C* src, C* dst, C* work, bool inverse) {
     if (pl->rowsLog == 0) {
         if (inverse)
-            stockham<C, true>(src, dst, work, pl->order, 1, pl->tw);
+            stockham<C, true>(src, 1, dst, work, pl->whole, 1);
         else
-            stockham<C, false>(src, dst, work, pl->order, 1, pl->tw);
+            stockham<C, false>(src, 1, dst, work, pl->whole, 1);
     } else {
         if (inverse)
             four_step<C, true>(pl, src, dst, work);

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 #include <new>
 
 #include "fft.hpp"
@@ -210,19 +211,70 @@ C root_as(std::uint64_t k, std::uint64_t n) {
     return C{R(re), R(im)};
 }
 
-// W^k, W^2k, W^3k for k < N/4 as three arrays.
+std::size_t round64(std::size_t bytes) { return (bytes + 63) & ~std::size_t(63); }
+
+// The passes for 2^order points; `first` when the points are contiguous
+// (one lane), so that the first pass can run its vector loop over them.
+// Fewest passes: radix 8 wherever the bits allow, at most one radix 4 in
+// the middle. Returns the number of twiddles the passes need.
 template <class C>
-void fill_direct(C* tw, int order) {
-    const std::size_t q = quarter(order);
-    const std::uint64_t n = std::uint64_t(1) << order;
-    for (std::size_t k = 0; k < q; ++k) {
-        tw[k] = root_as<C>(k, n);
-        tw[q + k] = root_as<C>(2 * k, n);
-        tw[2 * q + k] = root_as<C>(3 * k, n);
+std::size_t plan_passes(FftSchedule<C>& s, int order, bool first) {
+    s.order = order;
+    s.passes = 0;
+    std::size_t n = std::size_t(1) << order, tw = 0;
+    auto add = [&](int kind, int bits) {
+        const std::size_t m = n >> bits;
+        s.pass[s.passes++] = FftPass{kind, m, tw};
+        if (kind == kPassFirst4 || kind == kPassTw4) tw += 3 * m;
+        if (kind == kPassTw8) tw += 7 * m;
+        n = m;
+    };
+    if (order == 0) return 0;
+    if (order == 1) {
+        add(kPassLast2, 1);
+        return 0;
     }
+    int rem = order;
+    if (first && order >= 4) {
+        add(kPassFirst4, 2);
+        rem -= 2;
+    }
+    // Middle bits as 3a + 2b with b <= 1 where possible, for both choices
+    // of the last pass.
+    int best = -1, bestA = 0, bestB = 0;
+    for (int last : {3, 2}) {
+        const int r = rem - last;
+        if (r < 0 || r == 1) continue;
+        int a = r / 3, b = 0;
+        if (r % 3 == 2) b = 1;
+        if (r % 3 == 1) a -= 1, b = 2;
+        if (best < 0 || a + b < bestA + bestB) best = last, bestA = a, bestB = b;
+    }
+    for (int i = 0; i < bestA; ++i) add(kPassTw8, 3);
+    for (int i = 0; i < bestB; ++i) add(kPassTw4, 2);
+    add(best == 3 ? kPassLast8 : kPassLast4, best);
+    return tw;
 }
 
-std::size_t round64(std::size_t bytes) { return (bytes + 63) & ~std::size_t(63); }
+// Fills the twiddles of the planned passes.
+template <class C>
+void fill_passes(const FftSchedule<C>& s, C* tw) {
+    std::size_t n = std::size_t(1) << s.order;
+    for (int i = 0; i < s.passes; ++i) {
+        const FftPass& p = s.pass[i];
+        const std::size_t radix = n / p.m;
+        C* t = tw + p.tw;
+        if (p.kind == kPassFirst4) {
+            for (std::size_t k = 0; k < p.m; ++k)
+                for (std::size_t r = 1; r < 4; ++r) t[(r - 1) * p.m + k] = root_as<C>(r * k, n);
+        } else if (p.kind == kPassTw4 || p.kind == kPassTw8) {
+            for (std::size_t k = 0; k < p.m; ++k)
+                for (std::size_t r = 1; r < radix; ++r)
+                    t[(radix - 1) * k + r - 1] = root_as<C>(r * k, n);
+        }
+        n = p.m;
+    }
+}
 
 template <class C>
 FftPlan<C>* build_plan(int order) {
@@ -230,22 +282,23 @@ FftPlan<C>* build_plan(int order) {
     const std::uint64_t n = std::uint64_t(1) << order;
     FftPlan<C> plan{};
     plan.order = order;
-    std::uint64_t bytes = head;
-    std::size_t rowsTw = 0, colsTw = 0, lane = 0, block = 0;
-    if (order < kFourStepOrder) {
-        rowsTw = 3 * quarter(order);
-        bytes += round64(rowsTw * sizeof(C));
+    const bool direct = order < four_step_order<C>();
+    std::size_t wholeTw = 0, rowsTw = 0, colsTw = 0, lane = 0, block = 0;
+    if (direct) {
+        wholeTw = plan_passes(plan.whole, order, true);
     } else {
         plan.rowsLog = order / 2;
         plan.colsLog = order - plan.rowsLog;
+        plan.lanes = lanes_of<C>();
         const std::size_t r = std::size_t(1) << plan.rowsLog, c = std::size_t(1) << plan.colsLog;
-        rowsTw = 3 * quarter(plan.rowsLog);
-        colsTw = 3 * quarter(plan.colsLog);
-        lane = r * kLanes;
-        block = (c / kLanes) * r;
-        bytes += round64(rowsTw * sizeof(C)) + round64(colsTw * sizeof(C)) +
-                 round64(lane * sizeof(C)) + round64(block * sizeof(C));
+        rowsTw = plan_passes(plan.rows, plan.rowsLog, false);
+        colsTw = plan_passes(plan.cols, plan.colsLog, true);
+        lane = r * plan.lanes;
+        block = (c / plan.lanes) * r;
     }
+    const std::uint64_t bytes = head + round64(wholeTw * sizeof(C)) + round64(rowsTw * sizeof(C)) +
+                                round64(colsTw * sizeof(C)) + round64(lane * sizeof(C)) +
+                                round64(block * sizeof(C));
     auto* mem = static_cast<char*>(table_alloc(bytes));
     if (!mem) return nullptr;
     char* at = mem + head;
@@ -254,26 +307,26 @@ FftPlan<C>* build_plan(int order) {
         at += round64(count * sizeof(C));
         return p;
     };
-    if (order < kFourStepOrder) {
-        C* tw = take(rowsTw);
-        fill_direct(tw, order);
-        plan.tw = tw;
+    if (direct) {
+        C* tw = take(wholeTw);
+        fill_passes(plan.whole, tw);
+        plan.whole.tw = tw;
     } else {
         C* twr = take(rowsTw);
         C* twc = take(colsTw);
         C* ln = take(lane);
         C* bl = take(block);
-        fill_direct(twr, plan.rowsLog);
-        fill_direct(twc, plan.colsLog);
+        fill_passes(plan.rows, twr);
+        fill_passes(plan.cols, twc);
+        plan.rows.tw = twr;
+        plan.cols.tw = twc;
         const std::size_t r = std::size_t(1) << plan.rowsLog, c = std::size_t(1) << plan.colsLog;
         for (std::size_t k1 = 0; k1 < r; ++k1)
-            for (std::size_t b = 0; b < std::size_t(kLanes); ++b)
-                ln[k1 * kLanes + b] = root_as<C>(std::uint64_t(k1) * b, n);
-        for (std::size_t cb = 0; cb < c / kLanes; ++cb)
+            for (std::size_t b = 0; b < std::size_t(plan.lanes); ++b)
+                ln[k1 * plan.lanes + b] = root_as<C>(std::uint64_t(k1) * b, n);
+        for (std::size_t cb = 0; cb < c / plan.lanes; ++cb)
             for (std::size_t k1 = 0; k1 < r; ++k1)
-                bl[cb * r + k1] = root_as<C>(std::uint64_t(k1) * cb * kLanes, n);
-        plan.twRows = twr;
-        plan.twCols = twc;
+                bl[cb * r + k1] = root_as<C>(std::uint64_t(k1) * cb * plan.lanes, n);
         plan.lane = ln;
         plan.block = bl;
     }
@@ -321,8 +374,9 @@ namespace {
 
 bool try_acquire(ThreadContext* ctx, CplxKind kind, int order) {
     // The work area first: it fails fast when the order is too large.
-    const std::size_t elem = kind == kKindC ? sizeof(CplxFloat) : sizeof(CplxDouble);
-    if (!scratch(ctx, kind, kScratchFft, std::uint64_t(fft_work(order)) * elem)) return false;
+    const std::uint64_t bytes = kind == kKindC ? fft_work<CplxFloat>(order) * sizeof(CplxFloat)
+                                               : fft_work<CplxDouble>(order) * sizeof(CplxDouble);
+    if (!scratch(ctx, kind, kScratchFft, bytes)) return false;
     return swap_list(ctx, order) && fft_plan(ctx, kind, order);
 }
 
