@@ -248,7 +248,8 @@ std::size_t plan_passes(FftSchedule<C>& s, int order, bool first) {
         int a = r / 3, b = 0;
         if (r % 3 == 2) b = 1;
         if (r % 3 == 1) a -= 1, b = 2;
-        if (best < 0 || a + b < bestA + bestB) best = last, bestA = a, bestB = b;
+        if (best < 0 || a + b < bestA + bestB || (a + b == bestA + bestB && b < bestB))
+            best = last, bestA = a, bestB = b;
     }
     for (int i = 0; i < bestA; ++i) add(kPassTw8, 3);
     for (int i = 0; i < bestB; ++i) add(kPassTw4, 2);
