@@ -85,7 +85,15 @@ void exec(const C* src, C* dst, int order, int flags) {
         else
             ops.run_z(plan, in, out, work, inverse);
     };
-    if (flags & VEK_InBitRev) {
+    const bool revIn = flags & VEK_InBitRev, revOut = (flags & VEK_OutBitRev) && !revIn;
+    if ((revIn || revOut) && plan->rev.passes) {
+        // In place between the orders, no permutation.
+        if (src != dst) std::memcpy(dst, src, sizeof(C) << order);
+        if constexpr (kind == kKindC)
+            ops.rev_c(plan, dst, inverse, revIn);
+        else
+            ops.rev_z(plan, dst, inverse, revIn);
+    } else if (revIn) {
         if (src != dst)
             bitrev_copy(src, dst, order, list);
         else
@@ -93,7 +101,7 @@ void exec(const C* src, C* dst, int order, int flags) {
         run(dst, dst);
     } else {
         run(src, dst);
-        if (flags & VEK_OutBitRev) bitrev_inplace(dst, order, list);
+        if (revOut) bitrev_inplace(dst, order, list);
     }
     if (inverse && !(flags & VEK_NoScale)) {
         const std::size_t n = std::size_t(2) << order;
