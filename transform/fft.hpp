@@ -10,8 +10,10 @@
 //
 // Large orders (four_step_order) are split as N = R x C (R rows of C
 // points): FFTs down the columns, a block of columns at a time in a small
-// buffer, a twiddle W_N^(row*col) composed from two tables, FFTs along the
-// rows, and a transposed store. Every sub-transform then works in cache.
+// buffer, times a twiddle W_N^(row*col) composed from two tables and
+// stored transposed; then FFTs along the rows (columns of that copy), a
+// block at a time, whose last pass writes the output in its final place.
+// Every sub-transform works in cache, and the data crosses memory twice.
 #pragma once
 
 #include <cstddef>
@@ -29,7 +31,6 @@ template <class C>
 constexpr int four_step_order() {
     return kFourStepLog2Bytes - (sizeof(C) == 8 ? 3 : 4);
 }
-constexpr int kRowBlock = 16;  // rows per transposed store
 
 // Columns per column-FFT block: 256 bytes of each row.
 template <class C>
@@ -93,14 +94,13 @@ struct FftPlan {
 };
 
 // Elements of work area a transform of this order needs: the whole
-// intermediate of the four-step, two column blocks, a block of rows and the
-// row transform's own work area.
+// intermediate of the four-step and two blocks of lanes.
 template <class C>
 inline std::uint64_t fft_work(int order) {
     const std::uint64_t n = std::uint64_t(1) << order;
     if (order < four_step_order<C>()) return n;
     const std::uint64_t rows = std::uint64_t(1) << (order / 2), cols = n / rows;
-    return n + 2 * rows * lanes_of<C>() + kRowBlock * cols + cols;
+    return n + 2 * cols * lanes_of<C>();
 }
 
 struct FftOps {

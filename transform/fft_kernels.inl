@@ -445,31 +445,43 @@ void pass_p4(const typename V::C* x, typename V::C* y, std::size_t m, const type
     }
 }
 
-// Last pass of size 4 (m = 1): no twiddles; may run in place.
+// Last pass of size 4 (m = 1): no twiddles; may run in place. The outputs
+// of lane l, point k go to y[l + so*k] for lanes l < L0 (so = L0: the
+// usual packed layout).
 template <class V, bool Inv>
-void last4(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t L) {
+void last4(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t L,
+           std::size_t L0, std::size_t so) {
     using VT = typename V::V;
-    for (std::size_t q = 0; q < L; q += V::W) {
-        VT a = V::load(x + q), b = V::load(x + si + q), c = V::load(x + 2 * si + q),
-           d = V::load(x + 3 * si + q);
-        dft4<V, Inv>(a, b, c, d);
-        V::store(y + q, a);
-        V::store(y + L + q, b);
-        V::store(y + 2 * L + q, c);
-        V::store(y + 3 * L + q, d);
-    }
+    const std::size_t K = L / L0, ro = so * K;
+    for (std::size_t k = 0; k < K; ++k)
+        for (std::size_t l = 0; l < L0; l += V::W) {
+            const std::size_t q = k * L0 + l;
+            VT a = V::load(x + q), b = V::load(x + si + q), c = V::load(x + 2 * si + q),
+               d = V::load(x + 3 * si + q);
+            dft4<V, Inv>(a, b, c, d);
+            typename V::C* y0 = y + k * so + l;
+            V::store(y0, a);
+            V::store(y0 + ro, b);
+            V::store(y0 + 2 * ro, c);
+            V::store(y0 + 3 * ro, d);
+        }
 }
 
-// Last pass of size 8 (m = 1): no twiddles; may run in place.
+// Last pass of size 8 (m = 1), as last4.
 template <class V, bool Inv>
-void last8(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t L) {
+void last8(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t L,
+           std::size_t L0, std::size_t so) {
     using VT = typename V::V;
-    for (std::size_t q = 0; q < L; q += V::W) {
-        VT v[8];
-        for (int j = 0; j < 8; ++j) v[j] = V::load(x + j * si + q);
-        dft8<V, Inv>(v);
-        for (int r = 0; r < 8; ++r) V::store(y + r * L + q, v[r]);
-    }
+    const std::size_t K = L / L0, ro = so * K;
+    for (std::size_t k = 0; k < K; ++k)
+        for (std::size_t l = 0; l < L0; l += V::W) {
+            const std::size_t q = k * L0 + l;
+            VT v[8];
+            for (int j = 0; j < 8; ++j) v[j] = V::load(x + j * si + q);
+            dft8<V, Inv>(v);
+            typename V::C* y0 = y + k * so + l;
+            for (int r = 0; r < 8; ++r) V::store(y0 + r * ro, v[r]);
+        }
 }
 
 // ------------------------------------------------------------ bit-reversed
@@ -591,12 +603,14 @@ struct RealOf<CplxDouble> {
     using type = double;
 };
 
-// The transform of a schedule on 2^order points in L0 lanes (point j of
-// lane q at src[q + s0*j] and at dst[q + L0*j]), src -> dst through tmp;
-// src may equal dst (then s0 = L0).
+// The transform of a schedule on 2^order points in L0 lanes: point j of
+// lane q is read at src[q + s0*j] and written at dst[q + d0*j]. With d0 =
+// L0, passes alternate between dst and tmp so that the last lands in dst,
+// and src may equal dst (then s0 = L0: when the count is odd the last pass,
+// which may, runs in place). Otherwise they alternate between tmp and tmp2.
 template <class C, bool Inv>
-void stockham(const C* src, std::size_t s0, C* dst, C* tmp, const FftSchedule<C>& sc,
-              std::size_t L0) {
+void stockham(const C* src, std::size_t s0, C* dst, std::size_t d0, C* tmp, C* tmp2,
+              const FftSchedule<C>& sc, std::size_t L0) {
     using R = typename RealOf<C>::type;
     const int passes = sc.passes;
     if (passes == 0) {
@@ -604,16 +618,21 @@ void stockham(const C* src, std::size_t s0, C* dst, C* tmp, const FftSchedule<C>
             for (std::size_t q = 0; q < L0; ++q) dst[q] = src[q];
         return;
     }
-    // Passes alternate between dst and tmp so that the last lands in dst;
-    // when src is dst and the count is odd, the last pass (which may) runs
-    // in place.
+    const bool packed = d0 == L0;
     const bool lastInPlace = src == dst && passes % 2 == 1;
     const C* in = src;
     std::size_t si = s0, L = L0;
     for (int i = 0; i < passes; ++i) {
         const FftPass& ps = sc.pass[i];
-        const int after = lastInPlace ? passes - 2 - i : passes - 1 - i;
-        C* out = after <= 0 ? dst : after % 2 == 0 ? dst : tmp;
+        C* out;
+        if (i == passes - 1) {
+            out = dst;
+        } else if (!packed) {
+            out = i % 2 ? tmp2 : tmp;
+        } else {
+            const int after = lastInPlace ? passes - 2 - i : passes - 1 - i;
+            out = after % 2 == 0 ? dst : tmp;
+        }
         const C* tw = sc.tw + ps.tw;
         switch (ps.kind) {
         case kPassFirst4:
@@ -635,22 +654,24 @@ void stockham(const C* src, std::size_t s0, C* dst, C* tmp, const FftSchedule<C>
             });
             break;
         case kPassLast2:
-            for (std::size_t q = 0; q < L; ++q) {
-                const C a = in[q], b = in[q + si];
-                out[q] = C{a.re + b.re, a.im + b.im};
-                out[q + L] = C{a.re - b.re, a.im - b.im};
-            }
+            for (std::size_t k = 0; k < L / L0; ++k)
+                for (std::size_t l = 0; l < L0; ++l) {
+                    const std::size_t q = k * L0 + l;
+                    const C a = in[q], b = in[q + si];
+                    out[k * d0 + l] = C{a.re + b.re, a.im + b.im};
+                    out[k * d0 + l + d0 * (L / L0)] = C{a.re - b.re, a.im - b.im};
+                }
             break;
         case kPassLast4:
-            by_width(static_cast<R*>(nullptr), L, [&](auto t) {
+            by_width(static_cast<R*>(nullptr), L0, [&](auto t) {
                 using V = typename decltype(t)::type;
-                last4<V, Inv>(in, si, out, L);
+                last4<V, Inv>(in, si, out, L, L0, d0);
             });
             break;
         default:
-            by_width(static_cast<R*>(nullptr), L, [&](auto t) {
+            by_width(static_cast<R*>(nullptr), L0, [&](auto t) {
                 using V = typename decltype(t)::type;
-                last8<V, Inv>(in, si, out, L);
+                last8<V, Inv>(in, si, out, L, L0, d0);
             });
             break;
         }
@@ -663,68 +684,58 @@ void stockham(const C* src, std::size_t s0, C* dst, C* tmp, const FftSchedule<C>
     }
 }
 
-// kRowBlock rows of c points from lb to dst, transposed: row r, point k2
-// goes to dst[k2*ld + r].
-template <class C>
-void store_transposed(const C* lb, std::size_t c, C* dst, std::size_t ld) {
+// The column FFTs' block (rows x lanes, b0[k1*lanes + b]) times the
+// inter-step twiddle, stored transposed: mid[b*ld + k1].
+template <class C, bool Inv>
+void twiddle_transpose(const FftPlan<C>* pl, const C* b0, std::size_t cb, C* mid, std::size_t ld) {
     using R = typename RealOf<C>::type;
+    const std::size_t rows = std::size_t(1) << pl->rowsLog, lanes = std::size_t(pl->lanes);
+    const C* blk = pl->block + cb * rows;
     by_width<true>(static_cast<R*>(nullptr), 4, [&](auto t) {
         using V = typename decltype(t)::type;
+        using VT = typename V::V;
         constexpr int W = V::W;
-        for (std::size_t k2 = 0; k2 < c; k2 += W)
-            for (int r = 0; r < kRowBlock; r += W) {
-                typename V::V v[W];
-                for (int i = 0; i < W; ++i) v[i] = V::load(lb + (r + i) * c + k2);
+        for (std::size_t k1 = 0; k1 < rows; k1 += W)
+            for (std::size_t b = 0; b < lanes; b += W) {
+                VT v[W];
+                for (int i = 0; i < W; ++i) {
+                    const std::size_t row = k1 + i;
+                    const VT w = cmul<V, false>(V::load(pl->lane + row * lanes + b),
+                                                V::set1(blk[row].re), V::set1(blk[row].im));
+                    v[i] = cmulv<V, Inv>(V::load(b0 + row * lanes + b), w);
+                }
                 V::transpose(v);
-                for (int i = 0; i < W; ++i) V::store(dst + (k2 + i) * ld + r, v[i]);
+                for (int i = 0; i < W; ++i) V::store(mid + (b + i) * ld + k1, v[i]);
             }
     });
 }
 
 template <class C, bool Inv>
 void four_step(const FftPlan<C>* pl, const C* src, C* dst, C* work) {
-    using R = typename RealOf<C>::type;
     const std::size_t rows = std::size_t(1) << pl->rowsLog, cols = std::size_t(1) << pl->colsLog;
     const std::size_t lanes = std::size_t(pl->lanes);
-    C* mid = work;
+    C* mid = work;  // cols x rows: the columns' results, transposed
     C* b0 = mid + rows * cols;
-    C* b1 = b0 + rows * lanes;
-    C* lb = b1 + rows * lanes;
-    C* rt = lb + kRowBlock * cols;
-    // Columns, a block of lanes at a time: the first pass reads them
-    // straight from the strided input.
+    C* b1 = b0 + cols * lanes;
+    // Columns, a block of lanes at a time, read straight from the strided
+    // input; twiddled and transposed into mid.
     for (std::size_t cb = 0; cb < cols / lanes; ++cb) {
-        stockham<C, Inv>(src + cb * lanes, cols, b0, b1, pl->rows, lanes);
-        const C* blk = pl->block + cb * rows;
-        C* out = mid + cb * lanes;
-        by_width(static_cast<R*>(nullptr), lanes, [&](auto t) {
-            using V = typename decltype(t)::type;
-            for (std::size_t k1 = 0; k1 < rows; ++k1) {
-                const typename V::V br = V::set1(blk[k1].re), bi = V::set1(blk[k1].im);
-                const C* ln = pl->lane + k1 * lanes;
-                for (std::size_t b = 0; b < lanes; b += V::W) {
-                    const typename V::V w = cmul<V, false>(V::load(ln + b), br, bi);
-                    const typename V::V v = V::load(b0 + k1 * lanes + b);
-                    V::store(out + k1 * cols + b, cmul<V, Inv>(v, V::dup_re(w), V::dup_im(w)));
-                }
-            }
-        });
+        stockham<C, Inv>(src + cb * lanes, cols, b0, lanes, b1, nullptr, pl->rows, lanes);
+        twiddle_transpose<C, Inv>(pl, b0, cb, mid + cb * lanes * rows, rows);
     }
-    // Rows, then the transposed store into the output.
-    for (std::size_t k1 = 0; k1 < rows; k1 += kRowBlock) {
-        for (int r = 0; r < kRowBlock; ++r)
-            stockham<C, Inv>(mid + (k1 + r) * cols, 1, lb + r * cols, rt, pl->cols, 1);
-        store_transposed(lb, cols, dst + k1, rows);
-    }
+    // Rows, now columns of mid, a block of lanes at a time; the last pass
+    // writes the output in place: point k2 of row k1 at dst[k2*rows + k1].
+    for (std::size_t k1 = 0; k1 < rows; k1 += lanes)
+        stockham<C, Inv>(mid + k1, rows, dst + k1, rows, b0, b1, pl->cols, lanes);
 }
 
 template <class C>
 void run(const FftPlan<C>* pl, const C* src, C* dst, C* work, bool inverse) {
     if (pl->rowsLog == 0) {
         if (inverse)
-            stockham<C, true>(src, 1, dst, work, pl->whole, 1);
+            stockham<C, true>(src, 1, dst, 1, work, nullptr, pl->whole, 1);
         else
-            stockham<C, false>(src, 1, dst, work, pl->whole, 1);
+            stockham<C, false>(src, 1, dst, 1, work, nullptr, pl->whole, 1);
     } else {
         if (inverse)
             four_step<C, true>(pl, src, dst, work);

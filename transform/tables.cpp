@@ -320,7 +320,7 @@ FftPlan<C>* build_plan(int order) {
         plan.lanes = lanes_of<C>();
         const std::size_t r = std::size_t(1) << plan.rowsLog, c = std::size_t(1) << plan.colsLog;
         rowsTw = plan_passes(plan.rows, plan.rowsLog, false);
-        colsTw = plan_passes(plan.cols, plan.colsLog, true);
+        colsTw = plan_passes(plan.cols, plan.colsLog, false);
         lane = r * plan.lanes;
         block = (c / plan.lanes) * r;
     }
