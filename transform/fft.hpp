@@ -104,18 +104,19 @@ inline std::uint64_t fft_work(int order) {
 }
 
 struct FftOps {
-    // dst = FFT(src) (src may equal dst; work holds plan->work elements).
+    // dst = FFT(src) times scale (src may equal dst; work holds fft_work
+    // elements).
     void (*run_c)(const FftPlan<CplxFloat>* plan, const CplxFloat* src, CplxFloat* dst,
-                  CplxFloat* work, bool inverse);
+                  CplxFloat* work, bool inverse, float scale);
     void (*run_z)(const FftPlan<CplxDouble>* plan, const CplxDouble* src, CplxDouble* dst,
-                  CplxDouble* work, bool inverse);
-    // In place between natural and bit-reversed order (plan->rev):
-    // natural to bit-reversed, or with `fromRev` bit-reversed to natural.
-    void (*rev_c)(const FftPlan<CplxFloat>* plan, CplxFloat* x, bool inverse, bool fromRev);
-    void (*rev_z)(const FftPlan<CplxDouble>* plan, CplxDouble* x, bool inverse, bool fromRev);
-    // Multiplies n real values by f.
-    void (*scale_s)(float* x, std::size_t n, float f);
-    void (*scale_d)(double* x, std::size_t n, double f);
+                  CplxDouble* work, bool inverse, double scale);
+    // In place between natural and bit-reversed order (plan->rev), times
+    // scale: natural to bit-reversed, or with `fromRev` bit-reversed to
+    // natural.
+    void (*rev_c)(const FftPlan<CplxFloat>* plan, CplxFloat* x, bool inverse, bool fromRev,
+                  float scale);
+    void (*rev_z)(const FftPlan<CplxDouble>* plan, CplxDouble* x, bool inverse, bool fromRev,
+                  double scale);
 };
 
 namespace sse2 { extern const FftOps fft_ops; }

@@ -447,18 +447,26 @@ void pass_p4(const typename V::C* x, typename V::C* y, std::size_t m, const type
 
 // Last pass of size 4 (m = 1): no twiddles; may run in place. The outputs
 // of lane l, point k go to y[l + so*k] for lanes l < L0 (so = L0: the
-// usual packed layout).
+// usual packed layout), times `scale`.
 template <class V, bool Inv>
 void last4(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t L,
-           std::size_t L0, std::size_t so) {
+           std::size_t L0, std::size_t so, typename V::R scale) {
     using VT = typename V::V;
     const std::size_t K = L / L0, ro = so * K;
+    const bool scaled = scale != typename V::R(1);
+    const VT sv = V::set1(scale);
     for (std::size_t k = 0; k < K; ++k)
         for (std::size_t l = 0; l < L0; l += V::W) {
             const std::size_t q = k * L0 + l;
             VT a = V::load(x + q), b = V::load(x + si + q), c = V::load(x + 2 * si + q),
                d = V::load(x + 3 * si + q);
             dft4<V, Inv>(a, b, c, d);
+            if (scaled) {
+                a = V::mul(a, sv);
+                b = V::mul(b, sv);
+                c = V::mul(c, sv);
+                d = V::mul(d, sv);
+            }
             typename V::C* y0 = y + k * so + l;
             V::store(y0, a);
             V::store(y0 + ro, b);
@@ -470,15 +478,19 @@ void last4(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t
 // Last pass of size 8 (m = 1), as last4.
 template <class V, bool Inv>
 void last8(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t L,
-           std::size_t L0, std::size_t so) {
+           std::size_t L0, std::size_t so, typename V::R scale) {
     using VT = typename V::V;
     const std::size_t K = L / L0, ro = so * K;
+    const bool scaled = scale != typename V::R(1);
+    const VT sv = V::set1(scale);
     for (std::size_t k = 0; k < K; ++k)
         for (std::size_t l = 0; l < L0; l += V::W) {
             const std::size_t q = k * L0 + l;
             VT v[8];
             for (int j = 0; j < 8; ++j) v[j] = V::load(x + j * si + q);
             dft8<V, Inv>(v);
+            if (scaled)
+                for (int r = 0; r < 8; ++r) v[r] = V::mul(v[r], sv);
             typename V::C* y0 = y + k * so + l;
             for (int r = 0; r < 8; ++r) V::store(y0 + r * ro, v[r]);
         }
@@ -534,12 +546,20 @@ void dif8(typename V::C* x, std::size_t n, std::size_t h, const typename V::C* t
 
 // The last step on blocks of 4 contiguous points, several blocks per vector.
 template <class V, bool Inv>
-void dif_end4(typename V::C* x, std::size_t n) {
+void dif_end4(typename V::C* x, std::size_t n, typename V::R scale) {
     using VT = typename V::V;
+    const bool scaled = scale != typename V::R(1);
+    const VT sv = V::set1(scale);
     for (std::size_t blk = 0; blk < n; blk += 4 * V::W) {
         VT a, b, c, d;
         V::load4(x + blk, a, b, c, d);
         dft4<V, Inv>(a, b, c, d);
+        if (scaled) {
+            a = V::mul(a, sv);
+            b = V::mul(b, sv);
+            c = V::mul(c, sv);
+            d = V::mul(d, sv);
+        }
         V::store4(x + blk, a, c, b, d);
     }
 }
@@ -556,8 +576,11 @@ void dit_first4(typename V::C* x, std::size_t n) {
 }
 
 template <class V, bool Inv>
-void dit4(typename V::C* x, std::size_t n, std::size_t h, const typename V::C* tw) {
+void dit4(typename V::C* x, std::size_t n, std::size_t h, const typename V::C* tw,
+          typename V::R scale) {
     using VT = typename V::V;
+    const bool scaled = scale != typename V::R(1);
+    const VT sv = V::set1(scale);
     for (std::size_t blk = 0; blk < n; blk += 4 * h) {
         typename V::C* x0 = x + blk;
         for (std::size_t j = 0; j < h; j += V::W) {
@@ -566,6 +589,12 @@ void dit4(typename V::C* x, std::size_t n, std::size_t h, const typename V::C* t
             VT c = cmulv<V, Inv>(V::load(x0 + h + j), V::load(tw + h + j));
             VT d = cmulv<V, Inv>(V::load(x0 + 3 * h + j), V::load(tw + 2 * h + j));
             dft4<V, Inv>(a, b, c, d);
+            if (scaled) {
+                a = V::mul(a, sv);
+                b = V::mul(b, sv);
+                c = V::mul(c, sv);
+                d = V::mul(d, sv);
+            }
             V::store(x0 + j, a);
             V::store(x0 + h + j, b);
             V::store(x0 + 2 * h + j, c);
@@ -575,8 +604,11 @@ void dit4(typename V::C* x, std::size_t n, std::size_t h, const typename V::C* t
 }
 
 template <class V, bool Inv>
-void dit8(typename V::C* x, std::size_t n, std::size_t h, const typename V::C* tw) {
+void dit8(typename V::C* x, std::size_t n, std::size_t h, const typename V::C* tw,
+          typename V::R scale) {
     using VT = typename V::V;
+    const bool scaled = scale != typename V::R(1);
+    const VT sv = V::set1(scale);
     for (std::size_t blk = 0; blk < n; blk += 8 * h) {
         typename V::C* x0 = x + blk;
         for (std::size_t j = 0; j < h; j += V::W) {
@@ -585,6 +617,8 @@ void dit8(typename V::C* x, std::size_t n, std::size_t h, const typename V::C* t
             for (int r = 1; r < 8; ++r)
                 v[r] = cmulv<V, Inv>(V::load(x0 + kRev3[r] * h + j), V::load(tw + (r - 1) * h + j));
             dft8<V, Inv>(v);
+            if (scaled)
+                for (int k = 0; k < 8; ++k) v[k] = V::mul(v[k], sv);
             for (int k = 0; k < 8; ++k) V::store(x0 + k * h + j, v[k]);
         }
     }
@@ -610,12 +644,11 @@ struct RealOf<CplxDouble> {
 // which may, runs in place). Otherwise they alternate between tmp and tmp2.
 template <class C, bool Inv>
 void stockham(const C* src, std::size_t s0, C* dst, std::size_t d0, C* tmp, C* tmp2,
-              const FftSchedule<C>& sc, std::size_t L0) {
+              const FftSchedule<C>& sc, std::size_t L0, typename RealOf<C>::type scale) {
     using R = typename RealOf<C>::type;
     const int passes = sc.passes;
     if (passes == 0) {
-        if (src != dst)
-            for (std::size_t q = 0; q < L0; ++q) dst[q] = src[q];
+        for (std::size_t q = 0; q < L0; ++q) dst[q] = C{src[q].re * scale, src[q].im * scale};
         return;
     }
     const bool packed = d0 == L0;
@@ -658,20 +691,20 @@ void stockham(const C* src, std::size_t s0, C* dst, std::size_t d0, C* tmp, C* t
                 for (std::size_t l = 0; l < L0; ++l) {
                     const std::size_t q = k * L0 + l;
                     const C a = in[q], b = in[q + si];
-                    out[k * d0 + l] = C{a.re + b.re, a.im + b.im};
-                    out[k * d0 + l + d0 * (L / L0)] = C{a.re - b.re, a.im - b.im};
+                    out[k * d0 + l] = C{(a.re + b.re) * scale, (a.im + b.im) * scale};
+                    out[k * d0 + l + d0 * (L / L0)] = C{(a.re - b.re) * scale, (a.im - b.im) * scale};
                 }
             break;
         case kPassLast4:
             by_width(static_cast<R*>(nullptr), L0, [&](auto t) {
                 using V = typename decltype(t)::type;
-                last4<V, Inv>(in, si, out, L, L0, d0);
+                last4<V, Inv>(in, si, out, L, L0, d0, scale);
             });
             break;
         default:
             by_width(static_cast<R*>(nullptr), L0, [&](auto t) {
                 using V = typename decltype(t)::type;
-                last8<V, Inv>(in, si, out, L, L0, d0);
+                last8<V, Inv>(in, si, out, L, L0, d0, scale);
             });
             break;
         }
@@ -711,7 +744,8 @@ void twiddle_transpose(const FftPlan<C>* pl, const C* b0, std::size_t cb, C* mid
 }
 
 template <class C, bool Inv>
-void four_step(const FftPlan<C>* pl, const C* src, C* dst, C* work) {
+void four_step(const FftPlan<C>* pl, const C* src, C* dst, C* work,
+               typename RealOf<C>::type scale) {
     const std::size_t rows = std::size_t(1) << pl->rowsLog, cols = std::size_t(1) << pl->colsLog;
     const std::size_t lanes = std::size_t(pl->lanes);
     C* mid = work;  // cols x rows: the columns' results, transposed
@@ -720,96 +754,91 @@ void four_step(const FftPlan<C>* pl, const C* src, C* dst, C* work) {
     // Columns, a block of lanes at a time, read straight from the strided
     // input; twiddled and transposed into mid.
     for (std::size_t cb = 0; cb < cols / lanes; ++cb) {
-        stockham<C, Inv>(src + cb * lanes, cols, b0, lanes, b1, nullptr, pl->rows, lanes);
+        stockham<C, Inv>(src + cb * lanes, cols, b0, lanes, b1, nullptr, pl->rows, lanes, 1);
         twiddle_transpose<C, Inv>(pl, b0, cb, mid + cb * lanes * rows, rows);
     }
     // Rows, now columns of mid, a block of lanes at a time; the last pass
     // writes the output in place: point k2 of row k1 at dst[k2*rows + k1].
     for (std::size_t k1 = 0; k1 < rows; k1 += lanes)
-        stockham<C, Inv>(mid + k1, rows, dst + k1, rows, b0, b1, pl->cols, lanes);
+        stockham<C, Inv>(mid + k1, rows, dst + k1, rows, b0, b1, pl->cols, lanes, scale);
 }
 
 template <class C>
-void run(const FftPlan<C>* pl, const C* src, C* dst, C* work, bool inverse) {
+void run(const FftPlan<C>* pl, const C* src, C* dst, C* work, bool inverse,
+         typename RealOf<C>::type scale) {
     if (pl->rowsLog == 0) {
         if (inverse)
-            stockham<C, true>(src, 1, dst, 1, work, nullptr, pl->whole, 1);
+            stockham<C, true>(src, 1, dst, 1, work, nullptr, pl->whole, 1, scale);
         else
-            stockham<C, false>(src, 1, dst, 1, work, nullptr, pl->whole, 1);
+            stockham<C, false>(src, 1, dst, 1, work, nullptr, pl->whole, 1, scale);
     } else {
         if (inverse)
-            four_step<C, true>(pl, src, dst, work);
+            four_step<C, true>(pl, src, dst, work, scale);
         else
-            four_step<C, false>(pl, src, dst, work);
+            four_step<C, false>(pl, src, dst, work, scale);
     }
 }
 
 template <class C, bool Inv>
-void rev_passes(const FftSchedule<C>& sc, C* x, bool fromRev) {
+void rev_passes(const FftSchedule<C>& sc, C* x, bool fromRev, typename RealOf<C>::type scale) {
     using R = typename RealOf<C>::type;
     const std::size_t n = std::size_t(1) << sc.order;
     for (int k = 0; k < sc.passes; ++k) {
         const FftPass& ps = sc.pass[fromRev ? sc.passes - 1 - k : k];
         const C* tw = sc.tw + ps.tw;
+        const R s = k == sc.passes - 1 ? scale : R(1);
         if (ps.kind == kPassRevEnd4) {
             by_width<true>(static_cast<R*>(nullptr), n / 4, [&](auto t) {
                 using V = typename decltype(t)::type;
                 if (fromRev)
                     dit_first4<V, Inv>(x, n);
                 else
-                    dif_end4<V, Inv>(x, n);
+                    dif_end4<V, Inv>(x, n, s);
             });
         } else {
             by_width(static_cast<R*>(nullptr), ps.m, [&](auto t) {
                 using V = typename decltype(t)::type;
                 if (ps.kind == kPassRev8)
-                    fromRev ? dit8<V, Inv>(x, n, ps.m, tw) : dif8<V, Inv>(x, n, ps.m, tw);
+                    fromRev ? dit8<V, Inv>(x, n, ps.m, tw, s) : dif8<V, Inv>(x, n, ps.m, tw);
                 else
-                    fromRev ? dit4<V, Inv>(x, n, ps.m, tw) : dif4<V, Inv>(x, n, ps.m, tw);
+                    fromRev ? dit4<V, Inv>(x, n, ps.m, tw, s) : dif4<V, Inv>(x, n, ps.m, tw);
             });
         }
     }
 }
 
 template <class C>
-void rev(const FftPlan<C>* pl, C* x, bool inverse, bool fromRev) {
+void rev(const FftPlan<C>* pl, C* x, bool inverse, bool fromRev, typename RealOf<C>::type scale) {
     if (inverse)
-        rev_passes<C, true>(pl->rev, x, fromRev);
+        rev_passes<C, true>(pl->rev, x, fromRev, scale);
     else
-        rev_passes<C, false>(pl->rev, x, fromRev);
+        rev_passes<C, false>(pl->rev, x, fromRev, scale);
 }
 
-void rev_c(const FftPlan<CplxFloat>* pl, CplxFloat* x, bool inverse, bool fromRev) {
-    rev(pl, x, inverse, fromRev);
+void rev_c(const FftPlan<CplxFloat>* pl, CplxFloat* x, bool inverse, bool fromRev, float scale) {
+    rev(pl, x, inverse, fromRev, scale);
 }
 
-void rev_z(const FftPlan<CplxDouble>* pl, CplxDouble* x, bool inverse, bool fromRev) {
-    rev(pl, x, inverse, fromRev);
+void rev_z(const FftPlan<CplxDouble>* pl, CplxDouble* x, bool inverse, bool fromRev,
+           double scale) {
+    rev(pl, x, inverse, fromRev, scale);
 }
 
 void run_c(const FftPlan<CplxFloat>* pl, const CplxFloat* src, CplxFloat* dst, CplxFloat* work,
-           bool inverse) {
-    run(pl, src, dst, work, inverse);
+           bool inverse, float scale) {
+    run(pl, src, dst, work, inverse, scale);
 }
 
 void run_z(const FftPlan<CplxDouble>* pl, const CplxDouble* src, CplxDouble* dst,
-           CplxDouble* work, bool inverse) {
-    run(pl, src, dst, work, inverse);
-}
-
-void scale_s(float* x, std::size_t n, float f) {
-    for (std::size_t i = 0; i < n; ++i) x[i] *= f;
-}
-
-void scale_d(double* x, std::size_t n, double f) {
-    for (std::size_t i = 0; i < n; ++i) x[i] *= f;
+           CplxDouble* work, bool inverse, double scale) {
+    run(pl, src, dst, work, inverse, scale);
 }
 
 #undef VEK_KERNEL
 
 }  // namespace
 
-extern const FftOps fft_ops = {run_c, run_z, rev_c, rev_z, scale_s, scale_d};
+extern const FftOps fft_ops = {run_c, run_z, rev_c, rev_z};
 
 }  // namespace VEK_ISA
 }  // namespace vek
