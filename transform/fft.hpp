@@ -2,8 +2,8 @@
 //
 // Every transform runs natural order in, natural order out, as Stockham
 // autosort passes between the data and a work area (so no permutation
-// pass): a radix-4 first pass that reads contiguous points and interleaves
-// its outputs, radix-8 (and at most one radix-4) passes whose vector loop
+// pass): a radix-8 or radix-4 first pass that reads contiguous points and
+// interleaves its outputs, radix-8 (and at most one radix-4) passes whose vector loop
 // runs across independent sub-transforms with broadcast twiddles, and a
 // last radix-4 or radix-8 pass that needs no twiddles. Each pass reads its
 // twiddles from its own table, in the order the loop uses them.
@@ -42,6 +42,7 @@ constexpr int lanes_of() {
 // each sub-transform and writes point radix*p + r, multiplied by W_n^(r*p).
 enum FftPassKind : int {
     kPassFirst4,  // radix 4, vector loop over p; twiddles as three arrays of m
+    kPassFirst8,  // radix 8, the same with seven arrays
     kPassTw4,     // radix 4, vector loop over lanes; per p: W^p, W^2p, W^3p
     kPassTw8,     // radix 8, the same with W^p .. W^7p
     kPassLast2,   // the last pass (m = 1): no twiddles

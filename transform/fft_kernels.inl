@@ -66,6 +66,13 @@ struct F2 {  // two complex floats
         c = _mm_movelh_ps(v1, v3);
         d = _mm_movehl_ps(v3, v1);
     }
+    // y[8i + r] = v[r][i]
+    VEK_KERNEL void store8(C* y, const V* v) {
+        for (int r = 0; r < 8; r += 2) {
+            store(y + r, _mm_movelh_ps(v[r], v[r + 1]));
+            store(y + 8 + r, _mm_movehl_ps(v[r + 1], v[r]));
+        }
+    }
 };
 
 struct F1 : F2 {  // one complex float, in the low half
@@ -86,6 +93,9 @@ struct F1 : F2 {  // one complex float, in the low half
         b = load(y + 1);
         c = load(y + 2);
         d = load(y + 3);
+    }
+    VEK_KERNEL void store8(C* y, const V* v) {
+        for (int r = 0; r < 8; ++r) store(y + r, v[r]);
     }
 };
 
@@ -124,6 +134,9 @@ struct D1 {  // one complex double
         b = load(y + 1);
         c = load(y + 2);
         d = load(y + 3);
+    }
+    VEK_KERNEL void store8(C* y, const V* v) {
+        for (int r = 0; r < 8; ++r) store(y + r, v[r]);
     }
 };
 
@@ -173,6 +186,15 @@ struct F4 {  // four complex floats
         c = v[2];
         d = v[3];
     }
+    VEK_KERNEL void store8(C* y, const V* v) {
+        V lo[4] = {v[0], v[1], v[2], v[3]}, hi[4] = {v[4], v[5], v[6], v[7]};
+        transpose(lo);
+        transpose(hi);
+        for (int i = 0; i < 4; ++i) {
+            store(y + 8 * i, lo[i]);
+            store(y + 8 * i + 4, hi[i]);
+        }
+    }
 };
 
 struct D2 {  // two complex doubles
@@ -211,6 +233,12 @@ struct D2 {  // two complex doubles
         c = _mm256_permute2f128_pd(v1, v3, 0x20);
         d = _mm256_permute2f128_pd(v1, v3, 0x31);
     }
+    VEK_KERNEL void store8(C* y, const V* v) {
+        for (int r = 0; r < 8; r += 2) {
+            store(y + r, _mm256_permute2f128_pd(v[r], v[r + 1], 0x20));
+            store(y + 8 + r, _mm256_permute2f128_pd(v[r], v[r + 1], 0x31));
+        }
+    }
 };
 #endif
 
@@ -233,6 +261,23 @@ struct F8 {  // eight complex floats
     VEK_KERNEL V dup_im(V v) { return _mm512_movehdup_ps(v); }
     VEK_KERNEL V fmaddsub(V a, V b, V c) { return _mm512_fmaddsub_ps(a, b, c); }
     VEK_KERNEL V fmsubadd(V a, V b, V c) { return _mm512_fmsubadd_ps(a, b, c); }
+    // y[8i + r] = v[r][i]: an 8 x 8 transpose of 64-bit points.
+    VEK_KERNEL void store8(C* y, const V* v) {
+        __m512d t[8], u[8];
+        for (int r = 0; r < 8; r += 2) {
+            t[r] = _mm512_unpacklo_pd(_mm512_castps_pd(v[r]), _mm512_castps_pd(v[r + 1]));
+            t[r + 1] = _mm512_unpackhi_pd(_mm512_castps_pd(v[r]), _mm512_castps_pd(v[r + 1]));
+        }
+        for (int g = 0; g < 8; g += 4)
+            for (int h = 0; h < 2; ++h) {
+                u[g + h] = _mm512_shuffle_f64x2(t[g + h], t[g + h + 2], 0x88);
+                u[g + h + 2] = _mm512_shuffle_f64x2(t[g + h], t[g + h + 2], 0xDD);
+            }
+        for (int i = 0; i < 4; ++i) {
+            store(y + 8 * i, _mm512_castpd_ps(_mm512_shuffle_f64x2(u[i], u[i + 4], 0x88)));
+            store(y + 8 * (i + 4), _mm512_castpd_ps(_mm512_shuffle_f64x2(u[i], u[i + 4], 0xDD)));
+        }
+    }
 };
 
 struct D4 {  // four complex doubles
@@ -276,6 +321,15 @@ struct D4 {  // four complex doubles
         b = v[1];
         c = v[2];
         d = v[3];
+    }
+    VEK_KERNEL void store8(C* y, const V* v) {
+        V lo[4] = {v[0], v[1], v[2], v[3]}, hi[4] = {v[4], v[5], v[6], v[7]};
+        transpose(lo);
+        transpose(hi);
+        for (int i = 0; i < 4; ++i) {
+            store(y + 8 * i, lo[i]);
+            store(y + 8 * i + 4, hi[i]);
+        }
     }
 };
 #endif
@@ -442,6 +496,23 @@ void pass_p4(const typename V::C* x, typename V::C* y, std::size_t m, const type
         c = cmul<V, Inv>(c, V::dup_re(w2), V::dup_im(w2));
         d = cmul<V, Inv>(d, V::dup_re(w3), V::dup_im(w3));
         V::store4(y + 4 * p, a, b, c, d);
+    }
+}
+
+// Twiddled radix-8 first pass (L = 1) with the vector loop over p; tw
+// holds W^(r*p) as seven arrays of m.
+template <class V, bool Inv>
+void pass_p8(const typename V::C* x, typename V::C* y, std::size_t m, const typename V::C* tw) {
+    using VT = typename V::V;
+    for (std::size_t p = 0; p < m; p += V::W) {
+        VT v[8];
+        for (int j = 0; j < 8; ++j) v[j] = V::load(x + j * m + p);
+        dft8<V, Inv>(v);
+        for (int r = 1; r < 8; ++r) {
+            const VT w = V::load(tw + (r - 1) * m + p);
+            v[r] = cmul<V, Inv>(v[r], V::dup_re(w), V::dup_im(w));
+        }
+        V::store8(y + 8 * p, v);
     }
 }
 
@@ -674,6 +745,12 @@ void stockham(const C* src, std::size_t s0, C* dst, std::size_t d0, C* tmp, C* t
                 pass_p4<V, Inv>(in, out, ps.m, tw);
             });
             break;
+        case kPassFirst8:
+            by_width(static_cast<R*>(nullptr), ps.m, [&](auto t) {
+                using V = typename decltype(t)::type;
+                pass_p8<V, Inv>(in, out, ps.m, tw);
+            });
+            break;
         case kPassTw4:
             by_width(static_cast<R*>(nullptr), L, [&](auto t) {
                 using V = typename decltype(t)::type;
@@ -696,21 +773,23 @@ void stockham(const C* src, std::size_t s0, C* dst, std::size_t d0, C* tmp, C* t
                 }
             break;
         case kPassLast4:
-            by_width(static_cast<R*>(nullptr), L0, [&](auto t) {
+            // Packed output is one run of L points per output row.
+            by_width(static_cast<R*>(nullptr), packed ? L : L0, [&](auto t) {
                 using V = typename decltype(t)::type;
-                last4<V, Inv>(in, si, out, L, L0, d0, scale);
+                last4<V, Inv>(in, si, out, L, packed ? L : L0, packed ? L : d0, scale);
             });
             break;
         default:
-            by_width(static_cast<R*>(nullptr), L0, [&](auto t) {
+            by_width(static_cast<R*>(nullptr), packed ? L : L0, [&](auto t) {
                 using V = typename decltype(t)::type;
-                last8<V, Inv>(in, si, out, L, L0, d0, scale);
+                last8<V, Inv>(in, si, out, L, packed ? L : L0, packed ? L : d0, scale);
             });
             break;
         }
-        const std::size_t radix = ps.kind == kPassLast2 ? 2
-                                  : ps.kind == kPassTw8 || ps.kind == kPassLast8 ? 8
-                                                                                 : 4;
+        const std::size_t radix =
+            ps.kind == kPassLast2                                                      ? 2
+            : ps.kind == kPassTw8 || ps.kind == kPassLast8 || ps.kind == kPassFirst8 ? 8
+                                                                                       : 4;
         in = out;
         L *= radix;
         si = L;
