@@ -21,7 +21,7 @@ struct Api<CplxFloat> {
     using R = float;
     static constexpr const char* module = "vekffts";
     static constexpr double tol = 2.5e-8;  // per bit of order, relative RMS
-    static constexpr int large = 20;     // an order of the row-column split
+    static constexpr int large = 20;       // an order of the row-column split
     static void fft(CplxFloat* x, int o, int f) { vekcFft(x, o, f); }
     static void nip(const CplxFloat* x, CplxFloat* y, int o, int f) { vekcFftNip(x, y, o, f); }
     static void rfft(float* re, float* im, int o, int f) { vekcrFft(re, im, o, f); }
@@ -214,7 +214,8 @@ TYPED_TEST(Fft, SplitFormsMatchInterleaved) {
     for (int order : {0, 1, 2, 5, 8, 12, 13}) {
         const std::size_t n = std::size_t(1) << order;
         const std::vector<C> in = to_vec<C>(vektest::random_signal(n, 31 * order + 1));
-        for (int flags : {int(VEK_Forw), int(VEK_Inv), VEK_Forw | VEK_OutBitRev, VEK_Inv | VEK_InBitRev}) {
+        for (int flags :
+             {int(VEK_Forw), int(VEK_Inv), VEK_Forw | VEK_OutBitRev, VEK_Inv | VEK_InBitRev}) {
             std::vector<C> want = in;
             Api<C>::fft(want.data(), order, flags);
             std::vector<R> re(n), im(n);

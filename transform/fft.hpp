@@ -77,9 +77,9 @@ struct FftSchedule {
 template <class C>
 struct FftPlan {
     int order;
-    int rowsLog;  // four-step: log2 R (0 for a direct transform)
-    int colsLog;  // four-step: log2 C
-    int lanes;    // four-step: columns per block
+    int rowsLog;           // four-step: log2 R (0 for a direct transform)
+    int colsLog;           // four-step: log2 C
+    int lanes;             // four-step: columns per block
     FftSchedule<C> whole;  // direct
     // Direct, order 4 and above: in-place passes between natural and
     // bit-reversed order (decimation in frequency in this order, in time
@@ -120,9 +120,15 @@ struct FftOps {
                   double scale);
 };
 
-namespace sse2 { extern const FftOps fft_ops; }
-namespace avx2 { extern const FftOps fft_ops; }
-namespace avx512 { extern const FftOps fft_ops; }
+namespace sse2 {
+extern const FftOps fft_ops;
+}
+namespace avx2 {
+extern const FftOps fft_ops;
+}
+namespace avx512 {
+extern const FftOps fft_ops;
+}
 
 const FftOps& fft_ops();
 

@@ -35,8 +35,12 @@ struct F2 {  // two complex floats
     VEK_KERNEL V mul(V a, V b) { return _mm_mul_ps(a, b); }
     VEK_KERNEL V set1(R x) { return _mm_set1_ps(x); }
     VEK_KERNEL V swap(V v) { return _mm_shuffle_ps(v, v, 0xB1); }
-    VEK_KERNEL V neg_re(V v) { return _mm_xor_ps(v, _mm_castsi128_ps(_mm_set_epi32(0, INT32_MIN, 0, INT32_MIN))); }
-    VEK_KERNEL V neg_im(V v) { return _mm_xor_ps(v, _mm_castsi128_ps(_mm_set_epi32(INT32_MIN, 0, INT32_MIN, 0))); }
+    VEK_KERNEL V neg_re(V v) {
+        return _mm_xor_ps(v, _mm_castsi128_ps(_mm_set_epi32(0, INT32_MIN, 0, INT32_MIN)));
+    }
+    VEK_KERNEL V neg_im(V v) {
+        return _mm_xor_ps(v, _mm_castsi128_ps(_mm_set_epi32(INT32_MIN, 0, INT32_MIN, 0)));
+    }
     VEK_KERNEL V dup_re(V v) { return _mm_shuffle_ps(v, v, 0xA0); }
     VEK_KERNEL V dup_im(V v) { return _mm_shuffle_ps(v, v, 0xF5); }
 #ifdef __FMA__
@@ -153,8 +157,12 @@ struct F4 {  // four complex floats
     VEK_KERNEL V mul(V a, V b) { return _mm256_mul_ps(a, b); }
     VEK_KERNEL V set1(R x) { return _mm256_set1_ps(x); }
     VEK_KERNEL V swap(V v) { return _mm256_permute_ps(v, 0xB1); }
-    VEK_KERNEL V neg_re(V v) { return _mm256_xor_ps(v, _mm256_castsi256_ps(_mm256_set1_epi64x(0x80000000LL))); }
-    VEK_KERNEL V neg_im(V v) { return _mm256_xor_ps(v, _mm256_castsi256_ps(_mm256_set1_epi64x(INT64_MIN))); }
+    VEK_KERNEL V neg_re(V v) {
+        return _mm256_xor_ps(v, _mm256_castsi256_ps(_mm256_set1_epi64x(0x80000000LL)));
+    }
+    VEK_KERNEL V neg_im(V v) {
+        return _mm256_xor_ps(v, _mm256_castsi256_ps(_mm256_set1_epi64x(INT64_MIN)));
+    }
     VEK_KERNEL V dup_re(V v) { return _mm256_moveldup_ps(v); }
     VEK_KERNEL V dup_im(V v) { return _mm256_movehdup_ps(v); }
     VEK_KERNEL V fmaddsub(V a, V b, V c) { return _mm256_fmaddsub_ps(a, b, c); }
@@ -255,8 +263,12 @@ struct F8 {  // eight complex floats
     VEK_KERNEL V mul(V a, V b) { return _mm512_mul_ps(a, b); }
     VEK_KERNEL V set1(R x) { return _mm512_set1_ps(x); }
     VEK_KERNEL V swap(V v) { return _mm512_permute_ps(v, 0xB1); }
-    VEK_KERNEL V neg_re(V v) { return _mm512_xor_ps(v, _mm512_castsi512_ps(_mm512_set1_epi64(0x80000000LL))); }
-    VEK_KERNEL V neg_im(V v) { return _mm512_xor_ps(v, _mm512_castsi512_ps(_mm512_set1_epi64(INT64_MIN))); }
+    VEK_KERNEL V neg_re(V v) {
+        return _mm512_xor_ps(v, _mm512_castsi512_ps(_mm512_set1_epi64(0x80000000LL)));
+    }
+    VEK_KERNEL V neg_im(V v) {
+        return _mm512_xor_ps(v, _mm512_castsi512_ps(_mm512_set1_epi64(INT64_MIN)));
+    }
     VEK_KERNEL V dup_re(V v) { return _mm512_moveldup_ps(v); }
     VEK_KERNEL V dup_im(V v) { return _mm512_movehdup_ps(v); }
     VEK_KERNEL V fmaddsub(V a, V b, V c) { return _mm512_fmaddsub_ps(a, b, c); }
@@ -292,15 +304,23 @@ struct D4 {  // four complex doubles
     VEK_KERNEL V mul(V a, V b) { return _mm512_mul_pd(a, b); }
     VEK_KERNEL V set1(R x) { return _mm512_set1_pd(x); }
     VEK_KERNEL V swap(V v) { return _mm512_permute_pd(v, 0x55); }
-    VEK_KERNEL V neg_re(V v) { return _mm512_xor_pd(v, _mm512_castsi512_pd(_mm512_set_epi64(0, INT64_MIN, 0, INT64_MIN, 0, INT64_MIN, 0, INT64_MIN))); }
-    VEK_KERNEL V neg_im(V v) { return _mm512_xor_pd(v, _mm512_castsi512_pd(_mm512_set_epi64(INT64_MIN, 0, INT64_MIN, 0, INT64_MIN, 0, INT64_MIN, 0))); }
+    VEK_KERNEL V neg_re(V v) {
+        return _mm512_xor_pd(v, _mm512_castsi512_pd(_mm512_set_epi64(0, INT64_MIN, 0, INT64_MIN, 0,
+                                                                     INT64_MIN, 0, INT64_MIN)));
+    }
+    VEK_KERNEL V neg_im(V v) {
+        return _mm512_xor_pd(v, _mm512_castsi512_pd(_mm512_set_epi64(INT64_MIN, 0, INT64_MIN, 0,
+                                                                     INT64_MIN, 0, INT64_MIN, 0)));
+    }
     VEK_KERNEL V dup_re(V v) { return _mm512_movedup_pd(v); }
     VEK_KERNEL V dup_im(V v) { return _mm512_permute_pd(v, 0xFF); }
     VEK_KERNEL V fmaddsub(V a, V b, V c) { return _mm512_fmaddsub_pd(a, b, c); }
     VEK_KERNEL V fmsubadd(V a, V b, V c) { return _mm512_fmsubadd_pd(a, b, c); }
     VEK_KERNEL void transpose(V* v) {
-        const V t0 = _mm512_shuffle_f64x2(v[0], v[1], 0x44), t1 = _mm512_shuffle_f64x2(v[0], v[1], 0xEE);
-        const V t2 = _mm512_shuffle_f64x2(v[2], v[3], 0x44), t3 = _mm512_shuffle_f64x2(v[2], v[3], 0xEE);
+        const V t0 = _mm512_shuffle_f64x2(v[0], v[1], 0x44),
+                t1 = _mm512_shuffle_f64x2(v[0], v[1], 0xEE);
+        const V t2 = _mm512_shuffle_f64x2(v[2], v[3], 0x44),
+                t3 = _mm512_shuffle_f64x2(v[2], v[3], 0xEE);
         v[0] = _mm512_shuffle_f64x2(t0, t2, 0x88);
         v[1] = _mm512_shuffle_f64x2(t0, t2, 0xDD);
         v[2] = _mm512_shuffle_f64x2(t1, t3, 0x88);
@@ -397,14 +417,14 @@ VEK_KERNEL void dft4(typename V::V& a, typename V::V& b, typename V::V& c, typen
 //
 // A pass of size n with m = n/radix reads x[q + si*(p + j*m)] and writes
 // y[q + L*(radix*p + r)] for p < m, q < L; output r of sub-transform p is
-// multiplied by W_n^(r*p) = tw_r[p*ts]. The input stride si is L except
-// where a first pass reads its lanes straight from strided data.
+// multiplied by W_n^(r*p) from the pass's own table. The input stride si
+// is L except where a first pass reads its lanes straight from strided data.
 
 // Twiddled radix-4 pass with the vector loop over the lanes q; tw holds
 // W^p, W^2p, W^3p for each p.
 template <class V, bool Inv>
-void pass_q4(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t m,
-             std::size_t L, const typename V::C* tw) {
+void pass_q4(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t m, std::size_t L,
+             const typename V::C* tw) {
     using VT = typename V::V;
     const std::size_t s = m * si;
     for (std::size_t p = 0; p < m; ++p) {
@@ -459,8 +479,8 @@ VEK_KERNEL void dft8(typename V::V* x) {
 // Twiddled radix-8 pass with the vector loop over the lanes q; tw holds
 // W^p .. W^7p for each p.
 template <class V, bool Inv>
-void pass_q8(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t m,
-             std::size_t L, const typename V::C* tw) {
+void pass_q8(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t m, std::size_t L,
+             const typename V::C* tw) {
     using VT = typename V::V;
     const std::size_t s = m * si;
     for (std::size_t p = 0; p < m; ++p) {
@@ -520,8 +540,8 @@ void pass_p8(const typename V::C* x, typename V::C* y, std::size_t m, const type
 // of lane l, point k go to y[l + so*k] for lanes l < L0 (so = L0: the
 // usual packed layout), times `scale`.
 template <class V, bool Inv>
-void last4(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t L,
-           std::size_t L0, std::size_t so, typename V::R scale) {
+void last4(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t L, std::size_t L0,
+           std::size_t so, typename V::R scale) {
     using VT = typename V::V;
     const std::size_t K = L / L0, ro = so * K;
     const bool scaled = scale != typename V::R(1);
@@ -548,8 +568,8 @@ void last4(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t
 
 // Last pass of size 8 (m = 1), as last4.
 template <class V, bool Inv>
-void last8(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t L,
-           std::size_t L0, std::size_t so, typename V::R scale) {
+void last8(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t L, std::size_t L0,
+           std::size_t so, typename V::R scale) {
     using VT = typename V::V;
     const std::size_t K = L / L0, ro = so * K;
     const bool scaled = scale != typename V::R(1);
@@ -739,57 +759,58 @@ void stockham(const C* src, std::size_t s0, C* dst, std::size_t d0, C* tmp, C* t
         }
         const C* tw = sc.tw + ps.tw;
         switch (ps.kind) {
-        case kPassFirst4:
-            by_width<true>(static_cast<R*>(nullptr), ps.m, [&](auto t) {
-                using V = typename decltype(t)::type;
-                pass_p4<V, Inv>(in, out, ps.m, tw);
-            });
-            break;
-        case kPassFirst8:
-            by_width(static_cast<R*>(nullptr), ps.m, [&](auto t) {
-                using V = typename decltype(t)::type;
-                pass_p8<V, Inv>(in, out, ps.m, tw);
-            });
-            break;
-        case kPassTw4:
-            by_width(static_cast<R*>(nullptr), L, [&](auto t) {
-                using V = typename decltype(t)::type;
-                pass_q4<V, Inv>(in, si, out, ps.m, L, tw);
-            });
-            break;
-        case kPassTw8:
-            by_width(static_cast<R*>(nullptr), L, [&](auto t) {
-                using V = typename decltype(t)::type;
-                pass_q8<V, Inv>(in, si, out, ps.m, L, tw);
-            });
-            break;
-        case kPassLast2:
-            for (std::size_t k = 0; k < L / L0; ++k)
-                for (std::size_t l = 0; l < L0; ++l) {
-                    const std::size_t q = k * L0 + l;
-                    const C a = in[q], b = in[q + si];
-                    out[k * d0 + l] = C{(a.re + b.re) * scale, (a.im + b.im) * scale};
-                    out[k * d0 + l + d0 * (L / L0)] = C{(a.re - b.re) * scale, (a.im - b.im) * scale};
-                }
-            break;
-        case kPassLast4:
-            // Packed output is one run of L points per output row.
-            by_width(static_cast<R*>(nullptr), packed ? L : L0, [&](auto t) {
-                using V = typename decltype(t)::type;
-                last4<V, Inv>(in, si, out, L, packed ? L : L0, packed ? L : d0, scale);
-            });
-            break;
-        default:
-            by_width(static_cast<R*>(nullptr), packed ? L : L0, [&](auto t) {
-                using V = typename decltype(t)::type;
-                last8<V, Inv>(in, si, out, L, packed ? L : L0, packed ? L : d0, scale);
-            });
-            break;
+            case kPassFirst4:
+                by_width<true>(static_cast<R*>(nullptr), ps.m, [&](auto t) {
+                    using V = typename decltype(t)::type;
+                    pass_p4<V, Inv>(in, out, ps.m, tw);
+                });
+                break;
+            case kPassFirst8:
+                by_width(static_cast<R*>(nullptr), ps.m, [&](auto t) {
+                    using V = typename decltype(t)::type;
+                    pass_p8<V, Inv>(in, out, ps.m, tw);
+                });
+                break;
+            case kPassTw4:
+                by_width(static_cast<R*>(nullptr), L, [&](auto t) {
+                    using V = typename decltype(t)::type;
+                    pass_q4<V, Inv>(in, si, out, ps.m, L, tw);
+                });
+                break;
+            case kPassTw8:
+                by_width(static_cast<R*>(nullptr), L, [&](auto t) {
+                    using V = typename decltype(t)::type;
+                    pass_q8<V, Inv>(in, si, out, ps.m, L, tw);
+                });
+                break;
+            case kPassLast2:
+                for (std::size_t k = 0; k < L / L0; ++k)
+                    for (std::size_t l = 0; l < L0; ++l) {
+                        const std::size_t q = k * L0 + l;
+                        const C a = in[q], b = in[q + si];
+                        out[k * d0 + l] = C{(a.re + b.re) * scale, (a.im + b.im) * scale};
+                        out[k * d0 + l + d0 * (L / L0)] =
+                            C{(a.re - b.re) * scale, (a.im - b.im) * scale};
+                    }
+                break;
+            case kPassLast4:
+                // Packed output is one run of L points per output row.
+                by_width(static_cast<R*>(nullptr), packed ? L : L0, [&](auto t) {
+                    using V = typename decltype(t)::type;
+                    last4<V, Inv>(in, si, out, L, packed ? L : L0, packed ? L : d0, scale);
+                });
+                break;
+            default:
+                by_width(static_cast<R*>(nullptr), packed ? L : L0, [&](auto t) {
+                    using V = typename decltype(t)::type;
+                    last8<V, Inv>(in, si, out, L, packed ? L : L0, packed ? L : d0, scale);
+                });
+                break;
         }
         const std::size_t radix =
-            ps.kind == kPassLast2                                                      ? 2
+            ps.kind == kPassLast2                                                    ? 2
             : ps.kind == kPassTw8 || ps.kind == kPassLast8 || ps.kind == kPassFirst8 ? 8
-                                                                                       : 4;
+                                                                                     : 4;
         in = out;
         L *= radix;
         si = L;
@@ -898,8 +919,7 @@ void rev_c(const FftPlan<CplxFloat>* pl, CplxFloat* x, bool inverse, bool fromRe
     rev(pl, x, inverse, fromRev, scale);
 }
 
-void rev_z(const FftPlan<CplxDouble>* pl, CplxDouble* x, bool inverse, bool fromRev,
-           double scale) {
+void rev_z(const FftPlan<CplxDouble>* pl, CplxDouble* x, bool inverse, bool fromRev, double scale) {
     rev(pl, x, inverse, fromRev, scale);
 }
 
@@ -908,8 +928,8 @@ void run_c(const FftPlan<CplxFloat>* pl, const CplxFloat* src, CplxFloat* dst, C
     run(pl, src, dst, work, inverse, scale);
 }
 
-void run_z(const FftPlan<CplxDouble>* pl, const CplxDouble* src, CplxDouble* dst,
-           CplxDouble* work, bool inverse, double scale) {
+void run_z(const FftPlan<CplxDouble>* pl, const CplxDouble* src, CplxDouble* dst, CplxDouble* work,
+           bool inverse, double scale) {
     run(pl, src, dst, work, inverse, scale);
 }
 

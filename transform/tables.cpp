@@ -49,9 +49,18 @@ void unit_root(std::uint64_t k, std::uint64_t n, long double* re, long double* i
     k %= n;
     // Fold into the first octant where n allows it exactly.
     bool conj = false, mirror = false, swap = false;
-    if (2 * k > n) { k = n - k; conj = true; }                         // -angle
-    if (n % 2 == 0 && 4 * k > n) { k = n / 2 - k; mirror = true; }     // pi - angle
-    if (n % 4 == 0 && 8 * k > n) { k = n / 4 - k; swap = true; }       // pi/2 - angle
+    if (2 * k > n) {
+        k = n - k;
+        conj = true;
+    }  // -angle
+    if (n % 2 == 0 && 4 * k > n) {
+        k = n / 2 - k;
+        mirror = true;
+    }  // pi - angle
+    if (n % 4 == 0 && 8 * k > n) {
+        k = n / 4 - k;
+        swap = true;
+    }  // pi/2 - angle
     long double c, s;
     if (k == 0) {
         c = 1.0L;
@@ -63,7 +72,11 @@ void unit_root(std::uint64_t k, std::uint64_t n, long double* re, long double* i
         c = std::cos(a);
         s = std::sin(a);
     }
-    if (swap) { const long double t = c; c = s; s = t; }
+    if (swap) {
+        const long double t = c;
+        c = s;
+        s = t;
+    }
     if (mirror) c = -c;
     if (conj) s = -s;
     *re = c;
@@ -107,23 +120,25 @@ void fill_table(CplxKind kind, void* tbl, std::uint64_t n) {
         long double re, im;
         table_root(k, n, &re, &im);
         switch (kind) {
-        case kKindC:
-            static_cast<CplxFloat*>(tbl)[k] = CplxFloat{float(re), float(im)};
-            break;
-        case kKindZ:
-            static_cast<CplxDouble*>(tbl)[k] = CplxDouble{double(re), double(im)};
-            break;
-        default:
-            // Fixed point with 14 fraction bits, truncated toward zero.
-            static_cast<CplxShort*>(tbl)[k] =
-                CplxShort{short(16384.0L * re), short(16384.0L * im)};
-            break;
+            case kKindC:
+                static_cast<CplxFloat*>(tbl)[k] = CplxFloat{float(re), float(im)};
+                break;
+            case kKindZ:
+                static_cast<CplxDouble*>(tbl)[k] = CplxDouble{double(re), double(im)};
+                break;
+            default:
+                // Fixed point with 14 fraction bits, truncated toward zero.
+                static_cast<CplxShort*>(tbl)[k] =
+                    CplxShort{short(16384.0L * re), short(16384.0L * im)};
+                break;
         }
     }
 }
 
 std::size_t element_size(CplxKind kind) {
-    return kind == kKindC ? sizeof(CplxFloat) : kind == kKindZ ? sizeof(CplxDouble) : sizeof(CplxShort);
+    return kind == kKindC   ? sizeof(CplxFloat)
+           : kind == kKindZ ? sizeof(CplxDouble)
+                            : sizeof(CplxShort);
 }
 
 }  // namespace
@@ -349,9 +364,8 @@ FftPlan<C>* build_plan(int order) {
         block = (c / plan.lanes) * r;
     }
     const std::uint64_t bytes = head + round64(wholeTw * sizeof(C)) + round64(revTw * sizeof(C)) +
-                                round64(rowsTw * sizeof(C)) +
-                                round64(colsTw * sizeof(C)) + round64(lane * sizeof(C)) +
-                                round64(block * sizeof(C));
+                                round64(rowsTw * sizeof(C)) + round64(colsTw * sizeof(C)) +
+                                round64(lane * sizeof(C)) + round64(block * sizeof(C));
     auto* mem = static_cast<char*>(table_alloc(bytes));
     if (!mem) return nullptr;
     char* at = mem + head;
