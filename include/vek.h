@@ -178,6 +178,34 @@ VEK_API const LibVersion* vekGetLibVersion(void);
  * Float and integer conversions
  * ======================================================================== */
 
+/* The flags word. veksbIntToFloat and vekdbIntToFloat take 0 (signed
+ * integers) or VEK_CvtUnsigned. veksbFloatToInt and vekdbFloatToInt take
+ * exactly one rounding bit, optionally with the other three. */
+enum {
+    VEK_RndNear = 128,       /* round to nearest, ties to even */
+    VEK_RndZero = 256,       /* round toward zero */
+    VEK_RndFloor = 512,      /* round toward minus infinity */
+    VEK_RndCeil = 1024,      /* round toward plus infinity */
+    VEK_CvtUnsigned = 2048,  /* the integers are unsigned */
+    VEK_CvtSaturate = 4096,  /* out of range: store the nearer limit (NaN: 0) */
+    VEK_CvtReport = 8192     /* out of range: report it and go on */
+};
+
+/* The integer array is read or written at intSize bits (8, 16 or 32). Both
+ * directions first clear the thread's status, then run and report every
+ * argument check before they return on a failure. A float-to-integer
+ * conversion rounds exactly, whatever the processor's rounding mode. An
+ * element outside the integer range, NaN included, is saturated and/or
+ * reported as the flags say; with neither bit it is left unwritten. */
+VEK_API void veksbIntToFloat(const void* src, float* dst, int len, int intSize,
+                             int flags);
+VEK_API void vekdbIntToFloat(const void* src, double* dst, int len,
+                             int intSize, int flags);
+VEK_API void veksbFloatToInt(const float* src, void* dst, int len, int intSize,
+                             int flags);
+VEK_API void vekdbFloatToInt(const double* src, void* dst, int len,
+                             int intSize, int flags);
+
 /* end of Float and integer conversions */
 
 /* ========================================================================
