@@ -4,10 +4,9 @@
 // rounded exactly under the call's rounding, whatever the processor's
 // rounding mode. An element outside it (NaN included) is saturated (NaN
 // to 0), reported, or left unwritten, as the flags say. The vector loops
-// take a block at a time: a saturating call clamps the block; any other
-// call converts a block whose elements are all in range and hands any other
-// block to the element loop, so out-of-range elements are never written
-// and reports come in index order.
+// take a block of lanes at a time; a reporting call hands any block with an
+// out-of-range element to the element loop, so that reports come in index
+// order.
 #include <cstdint>
 #include <limits>
 #include <type_traits>
@@ -73,14 +72,10 @@ VEK_ELEMENT V round_exact_v(V x) {
     using Real = std::remove_reference_t<decltype(x[0])>;
     constexpr int kImm = (Mode == kNear ? 0 : Mode == kFloor ? 1 : Mode == kCeil ? 2 : 3) | 8;
 #if defined(__AVX512F__)
-    // The zero-masked forms with every lane selected: the plain ones pass
-    // an undefined vector that GCC 12 warns about.
     if constexpr (sizeof(V) == 64 && sizeof(Real) == 4)
-        return reinterpret_cast<V>(
-            _mm512_maskz_roundscale_ps(0xFFFF, reinterpret_cast<__m512>(x), kImm));
+        return reinterpret_cast<V>(_mm512_roundscale_ps(reinterpret_cast<__m512>(x), kImm));
     if constexpr (sizeof(V) == 64 && sizeof(Real) == 8)
-        return reinterpret_cast<V>(
-            _mm512_maskz_roundscale_pd(0xFF, reinterpret_cast<__m512d>(x), kImm));
+        return reinterpret_cast<V>(_mm512_roundscale_pd(reinterpret_cast<__m512d>(x), kImm));
 #endif
 #if defined(__AVX__)
     if constexpr (sizeof(V) == 32 && sizeof(Real) == 4)
@@ -128,14 +123,32 @@ template <class Int, class Real>
 void from_int(const void* srcv, Real* dst, int len) {
     const unsigned char* src = static_cast<const unsigned char*>(srcv);
     constexpr int N = kVecBytes / int(sizeof(Real));
+    using In = Vec<Int, N>;
+    auto widen_lanes = [](In v) {
+        if constexpr (sizeof(Int) <= 2)
+            return __builtin_convertvector(extend32<Int, N>(v), Vec<Real, N>);
+        else
+            return __builtin_convertvector(v, Vec<Real, N>);
+    };
     int i = 0;
-    for (; i + N <= len; i += N)
-        store(dst + i,
-              __builtin_convertvector(load<Vec<Int, N>>(src + i * sizeof(Int)), Vec<Real, N>));
-    for (; i < len; ++i) {
-        Int v;
-        std::memcpy(&v, src + i * sizeof(Int), sizeof v);
-        dst[i] = Real(v);
+    for (; i + 2 * N <= len; i += 2 * N) {
+        store(dst + i, widen_lanes(load<In>(src + i * int(sizeof(Int)))));
+        store(dst + i + N, widen_lanes(load<In>(src + (i + N) * int(sizeof(Int)))));
+    }
+    if (i + N <= len) {
+        store(dst + i, widen_lanes(load<In>(src + i * int(sizeof(Int)))));
+        i += N;
+    }
+    if constexpr (kMaskedEnds) {
+        if (i < len)
+            store_first(dst + i, widen_lanes(load_first<In>(src + i * int(sizeof(Int)), len - i)),
+                        len - i);
+    } else {
+        for (; i < len; ++i) {
+            Int v;
+            std::memcpy(&v, src + i * sizeof(Int), sizeof v);
+            dst[i] = Real(v);
+        }
     }
 }
 
@@ -159,14 +172,101 @@ void to_int_elements(const Real* src, Int* dst, int from, int to, int flags, con
     }
 }
 
-// N integral Real lanes within Int's range, stored as Int.
-template <class Int, int N, class V>
-VEK_ELEMENT void store_ints(Int* dst, V r) {
-    const auto w = __builtin_convertvector(r, Vec<Wide<Int>, N>);
-    if constexpr (sizeof(Int) == 4)
-        store(dst, w);
-    else
-        store(dst, __builtin_convertvector(w, Vec<Int, N>));
+// 32-bit lanes narrowed to Int lanes, keeping the low bits.
+template <class Int, int N, class W>
+VEK_ELEMENT Vec<Int, N> narrow_lanes(W w) {
+    if constexpr (sizeof(Int) == 4) {
+        return w;
+    } else {
+#if defined(__AVX512F__)
+        if constexpr (N == 16) {
+            const __m512i x = reinterpret_cast<__m512i>(w);
+            if constexpr (sizeof(Int) == 2)
+                return reinterpret_cast<Vec<Int, N>>(_mm512_cvtepi32_epi16(x));
+            else
+                return reinterpret_cast<Vec<Int, N>>(_mm512_cvtepi32_epi8(x));
+        }
+        if constexpr (N == 8) {
+            const __m256i x = reinterpret_cast<__m256i>(w);
+            const __m128i r = sizeof(Int) == 2 ? _mm256_cvtepi32_epi16(x) : _mm256_cvtepi32_epi8(x);
+            Vec<Int, N> v;
+            std::memcpy(&v, &r, sizeof v);
+            return v;
+        }
+#endif
+        return __builtin_convertvector(w, Vec<Int, N>);
+    }
+}
+
+// N lanes within Int's range, rounded under Mode, as 32-bit integers.
+template <class Int, int Mode, int N, class V>
+VEK_ELEMENT Vec<Wide<Int>, N> rounded_lanes(V x) {
+#if defined(__AVX512F__)
+    using Real = std::remove_reference_t<decltype(x[0])>;
+    // The conversion rounds by its own rounding field, not the mode.
+    constexpr int kRc = (Mode == kNear    ? _MM_FROUND_TO_NEAREST_INT
+                         : Mode == kFloor ? _MM_FROUND_TO_NEG_INF
+                         : Mode == kCeil  ? _MM_FROUND_TO_POS_INF
+                                          : _MM_FROUND_TO_ZERO) |
+                        _MM_FROUND_NO_EXC;
+    constexpr bool kU32 = std::is_same_v<Int, std::uint32_t>;
+    using Out = Vec<Wide<Int>, N>;
+    if constexpr (sizeof(Real) == 4 && N == 16) {
+        const __m512 v = reinterpret_cast<__m512>(x);
+        return reinterpret_cast<Out>(kU32 ? _mm512_cvt_roundps_epu32(v, kRc)
+                                          : _mm512_cvt_roundps_epi32(v, kRc));
+    }
+    if constexpr (sizeof(Real) == 8 && N == 8) {
+        const __m512d v = reinterpret_cast<__m512d>(x);
+        return reinterpret_cast<Out>(kU32 ? _mm512_cvt_roundpd_epu32(v, kRc)
+                                          : _mm512_cvt_roundpd_epi32(v, kRc));
+    }
+#endif
+    return __builtin_convertvector(round_exact_v<Mode>(x), Vec<Wide<Int>, N>);
+}
+
+// N lanes converted as a saturating call does: NaN to 0, the rest clamped
+// to Int's range and rounded. For 32-bit integers from float the upper
+// limit is not a float: lanes above it take the maximum after conversion.
+template <class Int, int Mode, int N, class V>
+VEK_ELEMENT Vec<Int, N> saturated(V x, V lo, V hi) {
+    using Real = std::remove_reference_t<decltype(x[0])>;
+    if constexpr (std::is_same_v<Real, float> && std::is_same_v<Int, std::int16_t> &&
+                  Mode == kNear) {
+        // The path of every 16-bit transform. The minimum passes NaN on
+        // (it returns its second operand then); the conversion takes NaN and
+        // everything below -2^31 to INT32_MIN, which the saturating narrow
+        // takes to -32768, and NaN lanes are zeroed by mask.
+#if defined(__AVX512F__)
+        if constexpr (N == 16) {
+            const __m512 v = reinterpret_cast<__m512>(x);
+            const __mmask16 number = _mm512_cmp_ps_mask(v, v, _CMP_ORD_Q);
+            const __m512 top = _mm512_min_ps(reinterpret_cast<__m512>(hi), v);
+            const __m512i w =
+                _mm512_cvt_roundps_epi32(top, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC);
+            return reinterpret_cast<Vec<Int, N>>(_mm512_maskz_cvtsepi32_epi16(number, w));
+        }
+#elif defined(__AVX2__)
+        if constexpr (N == 8) {
+            __m256 v = reinterpret_cast<__m256>(x);
+            v = _mm256_and_ps(v, _mm256_cmp_ps(v, v, _CMP_ORD_Q));  // NaN to +0
+            v = _mm256_min_ps(reinterpret_cast<__m256>(hi), v);
+            const __m256i w = _mm256_cvttps_epi32(
+                _mm256_round_ps(v, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC));
+            const __m128i r =
+                _mm_packs_epi32(_mm256_castsi256_si128(w), _mm256_extracti128_si256(w, 1));
+            return reinterpret_cast<Vec<Int, N>>(r);
+        }
+#endif
+    }
+    x = x == x ? x : V{};
+    const auto above = x > hi;
+    x = above ? hi : x;
+    x = x < lo ? lo : x;
+    auto w = rounded_lanes<Int, Mode, N>(x);
+    if constexpr (upper_bound<Real, Int>() != Real(std::numeric_limits<Int>::max()))
+        w = above ? splat<decltype(w)>(std::numeric_limits<Int>::max()) : w;
+    return narrow_lanes<Int, N>(w);
 }
 
 template <class Real, class Int, int Mode>
@@ -174,36 +274,56 @@ void to_int(const Real* src, void* dstv, int len, int flags, const Site& site) {
     Int* dst = static_cast<Int*>(dstv);
     constexpr int N = kVecBytes / int(sizeof(Real));
     using V = Vec<Real, N>;
-    using M = Vec<MaskLane<Real>, N>;
     const V lo = splat<V>(lower_bound<Real, Int>()), hi = splat<V>(upper_bound<Real, Int>());
+    constexpr unsigned long long kAll = (2ull << (N - 1)) - 1;
+    auto exact = [](V x) { return narrow_lanes<Int, N>(rounded_lanes<Int, Mode, N>(x)); };
     int i = 0;
-    if ((flags & (VEK_CvtSaturate | VEK_CvtReport)) == VEK_CvtSaturate) {
-        // Clamp, NaN to 0. For 32-bit integers from float the upper limit is
-        // not a float: lanes above it take the maximum after conversion.
-        constexpr bool kInexactTop =
-            upper_bound<Real, Int>() != Real(std::numeric_limits<Int>::max());
-        for (; i + N <= len; i += N) {
-            V x = load<V>(src + i);
-            x = x == x ? x : V{};
-            const M above = x > hi;
-            x = above ? hi : x;
-            x = x < lo ? lo : x;
-            const V r = round_exact_v<Mode>(x);
-            if constexpr (kInexactTop) {
-                auto w = __builtin_convertvector(r, Vec<Wide<Int>, N>);
-                w = above ? splat<decltype(w)>(std::numeric_limits<Int>::max()) : w;
-                store(dst + i, w);
-            } else {
-                store_ints<Int, N>(dst + i, r);
-            }
-        }
-    } else {
+    if (flags & VEK_CvtReport) {
+        // Reports come in index order from the element loop.
         for (; i + N <= len; i += N) {
             const V x = load<V>(src + i);
-            if (all_set((x >= lo) & (x <= hi)))
-                store_ints<Int, N>(dst + i, round_exact_v<Mode>(x));
+            if (in_range_bits(x, lo, hi) == kAll)
+                store(dst + i, exact(x));
             else
                 to_int_elements<Real, Int, Mode>(src, dst, i, i + N, flags, site);
+        }
+        to_int_elements<Real, Int, Mode>(src, dst, i, len, flags, site);
+        return;
+    }
+    if (flags & VEK_CvtSaturate) {
+        for (; i + N <= len; i += N)
+            store(dst + i, saturated<Int, Mode, N>(load<V>(src + i), lo, hi));
+        if constexpr (kMaskedEnds) {
+            if (i < len)
+                store_first(dst + i,
+                            saturated<Int, Mode, N>(load_first<V>(src + i, len - i), lo, hi),
+                            len - i);
+            return;
+        }
+    } else {
+        // Out-of-range lanes stay unwritten. Lanes past `count` (zeros from
+        // a masked load) are in range.
+        auto block = [&](V x, int at, int count) {
+            const unsigned long long inside = in_range_bits(x, lo, hi);
+            if (inside == kAll) {
+                if (count == N)
+                    store(dst + at, exact(x));
+                else
+                    store_first(dst + at, exact(x), count);
+                return;
+            }
+            const Vec<Int, N> v = saturated<Int, Mode, N>(x, lo, hi);
+            if constexpr (kMaskedEnds) {
+                store_masked(dst + at, v, inside & ((2ull << (count - 1)) - 1));
+            } else {
+                for (int j = 0; j < count; ++j)
+                    if (inside >> j & 1) dst[at + j] = v[j];
+            }
+        };
+        for (; i + N <= len; i += N) block(load<V>(src + i), i, N);
+        if constexpr (kMaskedEnds) {
+            if (i < len) block(load_first<V>(src + i, len - i), i, len - i);
+            return;
         }
     }
     to_int_elements<Real, Int, Mode>(src, dst, i, len, flags, site);

@@ -8,12 +8,20 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 #include <utility>
 
 #include "vector/scale.hpp"  // VEK_ELEMENT
 
 #if defined(__SSE2__)
 #include <immintrin.h>
+#endif
+
+#if defined(__AVX512F__) && defined(__GNUC__) && !defined(__clang__) && __GNUC__ < 13
+// GCC 12 takes the undefined vectors that AVX-512 intrinsics pass for unused
+// lanes for uninitialised reads (its bug 105593). The same kernels built for
+// SSE2 and AVX2 keep the warning.
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #endif
 
 namespace vek {
@@ -54,6 +62,91 @@ VEK_ELEMENT void store(T* p, V v) {
     std::memcpy(p, &v, sizeof v);
 }
 
+// Loads and stores of the first `count` lanes (0 < count <= lanes) of V at
+// p, for the ends of vectors. Memory past those lanes is neither read nor
+// written. AVX-512 masks the lanes; elsewhere they are copied, and the
+// kernels take their ends element by element instead.
+#if defined(__AVX512F__) && defined(__AVX512BW__) && defined(__AVX512VL__)
+constexpr bool kMaskedEnds = true;
+
+template <class V, class T>
+VEK_ELEMENT V load_first(const T* p, int count) {
+    constexpr int kLane = sizeof(V{}[0]);
+    const unsigned long long m = (2ull << (count - 1)) - 1;
+    if constexpr (sizeof(V) == 64) {
+        __m512i r;
+        if constexpr (kLane == 1) r = _mm512_maskz_loadu_epi8(m, p);
+        if constexpr (kLane == 2) r = _mm512_maskz_loadu_epi16(__mmask32(m), p);
+        if constexpr (kLane == 4) r = _mm512_maskz_loadu_epi32(__mmask16(m), p);
+        if constexpr (kLane == 8) r = _mm512_maskz_loadu_epi64(__mmask8(m), p);
+        return reinterpret_cast<V>(r);
+    } else if constexpr (sizeof(V) == 32) {
+        __m256i r;
+        if constexpr (kLane == 1) r = _mm256_maskz_loadu_epi8(__mmask32(m), p);
+        if constexpr (kLane == 2) r = _mm256_maskz_loadu_epi16(__mmask16(m), p);
+        if constexpr (kLane == 4) r = _mm256_maskz_loadu_epi32(__mmask8(m), p);
+        if constexpr (kLane == 8) r = _mm256_maskz_loadu_epi64(__mmask8(m), p);
+        return reinterpret_cast<V>(r);
+    } else {
+        __m128i r;
+        if constexpr (kLane == 1) r = _mm_maskz_loadu_epi8(__mmask16(m), p);
+        if constexpr (kLane == 2) r = _mm_maskz_loadu_epi16(__mmask8(m), p);
+        if constexpr (kLane == 4) r = _mm_maskz_loadu_epi32(__mmask8(m), p);
+        if constexpr (kLane == 8) r = _mm_maskz_loadu_epi64(__mmask8(m), p);
+        V v;
+        std::memcpy(&v, &r, sizeof v);  // an 8-byte vector is the low half
+        return v;
+    }
+}
+
+// Stores the lanes of v whose bit is set in `bits`; the others stay unwritten.
+template <class V, class T>
+VEK_ELEMENT void store_masked(T* p, V v, unsigned long long bits) {
+    constexpr int kLane = sizeof(V{}[0]);
+    const unsigned long long m = bits;
+    if constexpr (sizeof(V) == 64) {
+        const __m512i x = reinterpret_cast<__m512i>(v);
+        if constexpr (kLane == 1) _mm512_mask_storeu_epi8(p, m, x);
+        if constexpr (kLane == 2) _mm512_mask_storeu_epi16(p, __mmask32(m), x);
+        if constexpr (kLane == 4) _mm512_mask_storeu_epi32(p, __mmask16(m), x);
+        if constexpr (kLane == 8) _mm512_mask_storeu_epi64(p, __mmask8(m), x);
+    } else if constexpr (sizeof(V) == 32) {
+        const __m256i x = reinterpret_cast<__m256i>(v);
+        if constexpr (kLane == 1) _mm256_mask_storeu_epi8(p, __mmask32(m), x);
+        if constexpr (kLane == 2) _mm256_mask_storeu_epi16(p, __mmask16(m), x);
+        if constexpr (kLane == 4) _mm256_mask_storeu_epi32(p, __mmask8(m), x);
+        if constexpr (kLane == 8) _mm256_mask_storeu_epi64(p, __mmask8(m), x);
+    } else {
+        __m128i x = _mm_setzero_si128();
+        std::memcpy(&x, &v, sizeof v);
+        if constexpr (kLane == 1) _mm_mask_storeu_epi8(p, __mmask16(m), x);
+        if constexpr (kLane == 2) _mm_mask_storeu_epi16(p, __mmask8(m), x);
+        if constexpr (kLane == 4) _mm_mask_storeu_epi32(p, __mmask8(m), x);
+        if constexpr (kLane == 8) _mm_mask_storeu_epi64(p, __mmask8(m), x);
+    }
+}
+
+template <class V, class T>
+VEK_ELEMENT void store_first(T* p, V v, int count) {
+    store_masked(p, v, (2ull << (count - 1)) - 1);
+}
+
+#else
+constexpr bool kMaskedEnds = false;
+
+template <class V, class T>
+VEK_ELEMENT V load_first(const T* p, int count) {
+    V v{};
+    std::memcpy(&v, p, std::size_t(count) * sizeof(v[0]));
+    return v;
+}
+
+template <class V, class T>
+VEK_ELEMENT void store_first(T* p, V v, int count) {
+    std::memcpy(p, &v, std::size_t(count) * sizeof(v[0]));
+}
+#endif
+
 template <class V>
 VEK_ELEMENT V splat(decltype(V{}[0]) x) {
     return V{} + x;
@@ -79,30 +172,72 @@ VEK_ELEMENT W twice(V v) {
     return twice_<W>(v, std::make_index_sequence<2 * sizeof(V) / sizeof(v[0])>());
 }
 
-// True when every lane of a comparison result is set.
-template <class M>
-VEK_ELEMENT bool all_set(M m) {
-#if defined(__AVX512F__) && defined(__AVX512DQ__)
-    if constexpr (sizeof(M) == 64 && sizeof(m[0]) == 4)
-        return _mm512_movepi32_mask(reinterpret_cast<__m512i>(m)) == 0xFFFF;
-    if constexpr (sizeof(M) == 64 && sizeof(m[0]) == 8)
-        return _mm512_movepi64_mask(reinterpret_cast<__m512i>(m)) == 0xFF;
+// One bit per lane of a native-width float or double vector: set where
+// lo <= x <= hi (never for NaN).
+template <class V>
+VEK_ELEMENT unsigned long long in_range_bits(V x, V lo, V hi) {
+    constexpr bool kFloat = sizeof(x[0]) == 4;
+#if defined(__AVX512F__)
+    if constexpr (sizeof(V) == 64 && kFloat) {
+        const __m512 v = reinterpret_cast<__m512>(x);
+        const __mmask16 ge = _mm512_cmp_ps_mask(v, reinterpret_cast<__m512>(lo), _CMP_GE_OQ);
+        return _mm512_mask_cmp_ps_mask(ge, v, reinterpret_cast<__m512>(hi), _CMP_LE_OQ);
+    }
+    if constexpr (sizeof(V) == 64 && !kFloat) {
+        const __m512d v = reinterpret_cast<__m512d>(x);
+        const __mmask8 ge = _mm512_cmp_pd_mask(v, reinterpret_cast<__m512d>(lo), _CMP_GE_OQ);
+        return _mm512_mask_cmp_pd_mask(ge, v, reinterpret_cast<__m512d>(hi), _CMP_LE_OQ);
+    }
 #endif
+    const auto inside = (x >= lo) & (x <= hi);
 #if defined(__AVX__)
-    if constexpr (sizeof(M) == 32 && sizeof(m[0]) == 4)
-        return _mm256_movemask_ps(reinterpret_cast<__m256>(m)) == 0xFF;
-    if constexpr (sizeof(M) == 32 && sizeof(m[0]) == 8)
-        return _mm256_movemask_pd(reinterpret_cast<__m256d>(m)) == 0xF;
+    if constexpr (sizeof(V) == 32 && kFloat)
+        return unsigned(_mm256_movemask_ps(reinterpret_cast<__m256>(inside)));
+    if constexpr (sizeof(V) == 32 && !kFloat)
+        return unsigned(_mm256_movemask_pd(reinterpret_cast<__m256d>(inside)));
 #endif
 #if defined(__SSE2__)
-    if constexpr (sizeof(M) == 16 && sizeof(m[0]) == 4)
-        return _mm_movemask_ps(reinterpret_cast<__m128>(m)) == 0xF;
-    if constexpr (sizeof(M) == 16 && sizeof(m[0]) == 8)
-        return _mm_movemask_pd(reinterpret_cast<__m128d>(m)) == 0x3;
+    if constexpr (sizeof(V) == 16 && kFloat)
+        return unsigned(_mm_movemask_ps(reinterpret_cast<__m128>(inside)));
+    if constexpr (sizeof(V) == 16 && !kFloat)
+        return unsigned(_mm_movemask_pd(reinterpret_cast<__m128d>(inside)));
 #endif
-    bool all = true;
-    for (std::size_t i = 0; i < sizeof(M) / sizeof(m[0]); ++i) all = all && m[i] != 0;
-    return all;
+    unsigned long long bits = 0;
+    for (std::size_t i = 0; i < sizeof(V) / sizeof(x[0]); ++i)
+        if (inside[i]) bits |= 1ull << i;
+    return bits;
+}
+
+// 8- or 16-bit integer lanes sign- or zero-extended to 32 bits, with one
+// extension instruction where the compiler would split the vector.
+template <class Int, int N>
+VEK_ELEMENT Vec<std::int32_t, N> extend32(Vec<Int, N> v) {
+    static_assert(sizeof(Int) <= 2, "narrow lanes only");
+    [[maybe_unused]] constexpr bool kSigned = std::is_signed_v<Int>;
+    using Out = Vec<std::int32_t, N>;
+#if defined(__AVX512F__)
+    if constexpr (N == 16 && sizeof(Int) == 2) {
+        const __m256i x = reinterpret_cast<__m256i>(v);
+        return reinterpret_cast<Out>(kSigned ? _mm512_cvtepi16_epi32(x) : _mm512_cvtepu16_epi32(x));
+    }
+    if constexpr (N == 16 && sizeof(Int) == 1) {
+        const __m128i x = reinterpret_cast<__m128i>(v);
+        return reinterpret_cast<Out>(kSigned ? _mm512_cvtepi8_epi32(x) : _mm512_cvtepu8_epi32(x));
+    }
+#endif
+#if defined(__AVX2__)
+    if constexpr (N == 8 && sizeof(Int) == 2) {
+        const __m128i x = reinterpret_cast<__m128i>(v);
+        return reinterpret_cast<Out>(kSigned ? _mm256_cvtepi16_epi32(x) : _mm256_cvtepu16_epi32(x));
+    }
+    if constexpr (N == 8 && sizeof(Int) == 1) {
+        std::int64_t bytes;
+        std::memcpy(&bytes, &v, sizeof bytes);
+        const __m128i x = _mm_cvtsi64_si128(bytes);
+        return reinterpret_cast<Out>(kSigned ? _mm256_cvtepi8_epi32(x) : _mm256_cvtepu8_epi32(x));
+    }
+#endif
+    return __builtin_convertvector(v, Out);
 }
 
 // Float lanes widened to double lanes, exactly.

@@ -39,15 +39,14 @@ extern "C" {
 VEK_API void vekdbIntToFloat(const void* src, double* dst, int len, int intSize, int flags) {
     VEK_SITE("vekcvrtd");
     const int loop =
-        vek::convert_checks(site, src, dst, len, intSize, flags, vek::Direction::FromInt);
+        vek::convert_loop(site, src, dst, len, intSize, flags, vek::Direction::FromInt);
     if (loop < 0) return;
     vek::convert_ops().int_to_d[loop](src, dst, len);
 }
 
 VEK_API void vekdbFloatToInt(const double* src, void* dst, int len, int intSize, int flags) {
     VEK_SITE("vekcvrtd");
-    const int loop =
-        vek::convert_checks(site, src, dst, len, intSize, flags, vek::Direction::ToInt);
+    const int loop = vek::convert_loop(site, src, dst, len, intSize, flags, vek::Direction::ToInt);
     if (loop < 0) return;
     vek::convert_ops().d_to_int[loop](src, dst, len, flags, site.at(kLoopLine[loop]));
 }
