@@ -212,6 +212,50 @@ VEK_API void vekdbFloatToInt(const double* src, void* dst, int len,
  * Dot products
  * ======================================================================== */
 
+/* The sum of srcA[i] * srcB[i]; no operand is conjugated. Two type letters
+ * name the first and the second operand. len 0 gives 0; a failed check
+ * returns 0. The floating forms sum in double precision, in 16 partial sums
+ * (term i into sum i mod 16, a complex element counting as two terms),
+ * added pairwise at the end: the same result on every processor. */
+VEK_API float veksDotProd(const float* srcA, const float* srcB, int len);
+VEK_API double vekdDotProd(const double* srcA, const double* srcB, int len);
+VEK_API CplxFloat vekcDotProd(const CplxFloat* srcA, const CplxFloat* srcB,
+                              int len);
+VEK_API CplxFloat vekcsDotProd(const CplxFloat* srcA, const float* srcB,
+                               int len);
+VEK_API CplxFloat vekscDotProd(const float* srcA, const CplxFloat* srcB,
+                               int len);
+VEK_API CplxDouble vekzDotProd(const CplxDouble* srcA, const CplxDouble* srcB,
+                               int len);
+VEK_API CplxDouble vekzdDotProd(const CplxDouble* srcA, const double* srcB,
+                                int len);
+VEK_API CplxDouble vekdzDotProd(const double* srcA, const CplxDouble* srcB,
+                                int len);
+
+/* 16-bit forms: the exact sums modulo 2^32, narrowed to 16 bits by the scale
+ * mode (in auto mode one factor serves re and im). */
+VEK_API short vekwDotProd(const short* srcA, const short* srcB, int len,
+                          int scaleMode, int* scaleFactor);
+VEK_API CplxShort vekvDotProd(const CplxShort* srcA, const CplxShort* srcB,
+                              int len, int scaleMode, int* scaleFactor);
+VEK_API CplxShort vekwvDotProd(const short* srcA, const CplxShort* srcB,
+                               int len, int scaleMode, int* scaleFactor);
+VEK_API CplxShort vekvwDotProd(const CplxShort* srcA, const short* srcB,
+                               int len, int scaleMode, int* scaleFactor);
+
+/* The same 32-bit sums, returned whole. scaleMode exactly VEK_AUTO_SCALE
+ * writes 0 to *scaleFactor; exactly VEK_FIXED_SCALE shifts by *scaleFactor
+ * (right when positive, left when negative, no saturation); any other mode
+ * leaves the sums as they are. */
+VEK_API int vekwDotProdExt(const short* srcA, const short* srcB, int len,
+                           int scaleMode, int* scaleFactor);
+VEK_API CplxInt vekvDotProdExt(const CplxShort* srcA, const CplxShort* srcB,
+                               int len, int scaleMode, int* scaleFactor);
+VEK_API CplxInt vekwvDotProdExt(const short* srcA, const CplxShort* srcB,
+                                int len, int scaleMode, int* scaleFactor);
+VEK_API CplxInt vekvwDotProdExt(const CplxShort* srcA, const short* srcB,
+                                int len, int scaleMode, int* scaleFactor);
+
 /* end of Dot products */
 
 /* ========================================================================

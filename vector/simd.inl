@@ -274,12 +274,72 @@ VEK_ELEMENT V add_exact_product(V acc, V a, V b) {
     return acc + a * b;
 }
 
-// Pairwise sum of n (a power of two) lanes kept in memory, in a fixed order:
-// lane j gathers j + n/2, then j + n/4, ... down to the stride `until`.
-// Leaves the sums of the `until` interleaved classes in lanes[0..until).
-template <class T>
-VEK_ELEMENT void fold_lanes(T* lanes, int n, int until = 1) {
-    for (int w = n / 2; w >= until; w /= 2)
+// Products of 16-bit lanes, added in pairs into 32-bit lanes:
+// r[k] = a[2k] b[2k] + a[2k+1] b[2k+1], modulo 2^32 (the one sum that does
+// not fit, 2 * (-32768)^2, wraps).
+VEK_ELEMENT Vec<std::uint32_t> madd16(Vec<std::int16_t> a, Vec<std::int16_t> b) {
+    using Out = Vec<std::uint32_t>;
+#if defined(__AVX512BW__)
+    return reinterpret_cast<Out>(
+        _mm512_madd_epi16(reinterpret_cast<__m512i>(a), reinterpret_cast<__m512i>(b)));
+#elif defined(__AVX2__)
+    return reinterpret_cast<Out>(
+        _mm256_madd_epi16(reinterpret_cast<__m256i>(a), reinterpret_cast<__m256i>(b)));
+#elif defined(__SSE2__)
+    return reinterpret_cast<Out>(
+        _mm_madd_epi16(reinterpret_cast<__m128i>(a), reinterpret_cast<__m128i>(b)));
+#else
+    using W = Vec<std::int32_t>;
+    const W aw = reinterpret_cast<W>(a), bw = reinterpret_cast<W>(b);
+    const W alo = reinterpret_cast<W>(reinterpret_cast<Out>(aw) << 16) >> 16;
+    const W blo = reinterpret_cast<W>(reinterpret_cast<Out>(bw) << 16) >> 16;
+    return reinterpret_cast<Out>(alo * blo) + reinterpret_cast<Out>((aw >> 16) * (bw >> 16));
+#endif
+}
+
+// The sum of all lanes, modulo 2^N.
+template <class V>
+VEK_ELEMENT auto lane_total(V v) {
+    auto sum = v[0];
+    for (std::size_t i = 1; i < sizeof(V) / sizeof(v[0]); ++i) sum += v[i];
+    return sum;
+}
+
+// ------------------------------------------------ sums in a fixed lane layout
+//
+// Floating-point sums must come out the same on every instruction set, so
+// their order is fixed, not the ISA's: term i of a stream always goes to
+// partial sum i mod kSumLanes (double precision), and the partial sums are
+// then folded pairwise in a fixed order. A path with wider registers only
+// holds the same partial sums in fewer of them.
+constexpr int kSumLanes = 16;
+
+// Runs `step(acc, r, at)` over the whole blocks of kSumLanes terms of an
+// n-term stream, where acc[k][r] (k < Sets) holds the partial sums of the
+// r-th native vector of the block and `at` is the index of its first term,
+// then spills the sums to lanes[k][...] and adds each remaining term through
+// `tail(lanes, lane, index)`.
+template <int Sets, class Step, class Tail>
+VEK_ELEMENT void sum_lanes(int n, Step step, Tail tail, double (&lanes)[Sets][kSumLanes]) {
+    constexpr int L = kVecBytes / 8;
+    constexpr int R = kSumLanes / L;
+    Vec<double, L> acc[Sets][R] = {};
+    int i = 0;
+    for (; i + kSumLanes <= n; i += kSumLanes) {
+#pragma GCC unroll 8
+        for (int r = 0; r < R; ++r) step(acc, r, i + r * L);
+    }
+    for (int k = 0; k < Sets; ++k)
+        for (int r = 0; r < R; ++r) store(&lanes[k][r * L], acc[k][r]);
+    for (int lane = 0; i < n; ++i, ++lane) tail(lanes, lane, i);
+}
+
+// Pairwise sum of kSumLanes lanes kept in memory, in a fixed order: lane j
+// gathers j + 8, then j + 4, ... down to the stride `until`. Leaves the sums
+// of the `until` interleaved classes (1: all; 2: even and odd terms, the
+// real and imaginary parts of complex streams) in lanes[0..until).
+VEK_ELEMENT void fold_lanes(double* lanes, int until = 1) {
+    for (int w = kSumLanes / 2; w >= until; w /= 2)
         for (int j = 0; j < w; ++j) lanes[j] += lanes[j + w];
 }
 
