@@ -262,6 +262,40 @@ VEK_API CplxInt vekvwDotProdExt(const CplxShort* srcA, const short* srcB,
  * Statistics
  * ======================================================================== */
 
+/* Summaries of vec[0..len). len below 1 or a null vec is reported and gives
+ * 0. The floating sums are taken in double precision in the 16 partial
+ * sums of the dot products. */
+VEK_API float veksMean(const float* vec, int len);
+VEK_API double vekdMean(const double* vec, int len);
+/* The 32-bit sum (wrapping) divided by len toward zero, kept to 16 bits. */
+VEK_API short vekwMean(const short* vec, int len);
+
+/* The mean square, the sum of vec[i]^2 divided by len: no mean is
+ * subtracted and no root taken. The 16-bit form computes it from the exact
+ * sum and narrows it by the scale mode. */
+VEK_API float veksStdDev(const float* vec, int len);
+VEK_API double vekdStdDev(const double* vec, int len);
+VEK_API short vekwStdDev(const short* vec, int len, int scaleMode,
+                         int* scaleFactor);
+
+/* Largest and smallest element. NaN elements are passed over; only when all
+ * are NaN is the result NaN. */
+VEK_API float veksMax(const float* vec, int len);
+VEK_API double vekdMax(const double* vec, int len);
+VEK_API short vekwMax(const short* vec, int len);
+VEK_API float veksMin(const float* vec, int len);
+VEK_API double vekdMin(const double* vec, int len);
+VEK_API short vekwMin(const short* vec, int len);
+
+/* The same, also writing the index of the first occurrence to *index
+ * (unless index is NULL; all NaN: index 0). */
+VEK_API float veksMaxExt(const float* vec, int len, int* index);
+VEK_API double vekdMaxExt(const double* vec, int len, int* index);
+VEK_API short vekwMaxExt(const short* vec, int len, int* index);
+VEK_API float veksMinExt(const float* vec, int len, int* index);
+VEK_API double vekdMinExt(const double* vec, int len, int* index);
+VEK_API short vekwMinExt(const short* vec, int len, int* index);
+
 /* end of Statistics */
 
 /* ========================================================================

@@ -6,8 +6,10 @@
 #include <set>
 #include <vector>
 
+#include "sum_layout.hpp"
 #include "test_util.hpp"
 
+using vektest::layout_sum;
 using vektest::ReportRecorder;
 
 namespace {
@@ -22,18 +24,6 @@ std::vector<T> random_reals(std::mt19937& gen, int n) {
     std::vector<T> v(static_cast<size_t>(n) + 1);  // never empty: data() is not null
     for (auto& x : v) x = T(std::ldexp(mant(gen), expo(gen)));
     return v;
-}
-
-// The documented summation: term i into double partial sum i mod 16, then
-// lane j += lane j + 8, + 4, ... down to `until`. `term(i)` is the rounded
-// double product.
-template <class Term>
-std::vector<double> layout_sum(int terms, int until, Term term) {
-    double lanes[16] = {};
-    for (int i = 0; i < terms; ++i) lanes[i % 16] += term(i);
-    for (int w = 8; w >= until; w /= 2)
-        for (int j = 0; j < w; ++j) lanes[j] += lanes[j + w];
-    return std::vector<double>(lanes, lanes + until);
 }
 
 // |computed - exact| allowed for n double-precision additions of terms
