@@ -129,6 +129,10 @@ std::int32_t dot_w(const short* a, const short* b, int n) {
         acc0 += madd16(load<VS>(a + i), load<VS>(b + i));
         i += kShorts;
     }
+    if constexpr (kMaskedEnds) {
+        if (i < n) acc1 += madd16(load_first<VS>(a + i, n - i), load_first<VS>(b + i, n - i));
+        i = n;
+    }
     std::uint32_t sum = lane_total(acc0 + acc1);
     for (; i < n; ++i) sum += std::uint32_t(std::int32_t(a[i]) * b[i]);
     return std::int32_t(sum);

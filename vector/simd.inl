@@ -297,12 +297,20 @@ VEK_ELEMENT Vec<std::uint32_t> madd16(Vec<std::int16_t> a, Vec<std::int16_t> b) 
 #endif
 }
 
-// The sum of all lanes, modulo 2^N.
+// The sum of all lanes of an integer vector (modulo the lane width), by
+// halving: high half onto low half.
 template <class V>
 VEK_ELEMENT auto lane_total(V v) {
-    auto sum = v[0];
-    for (std::size_t i = 1; i < sizeof(V) / sizeof(v[0]); ++i) sum += v[i];
-    return sum;
+    using T = std::remove_reference_t<decltype(v[0])>;
+    constexpr int N = sizeof(V) / sizeof(T);
+    if constexpr (N == 1) {
+        return v[0];
+    } else {
+        Vec<T, N / 2> lo, hi;
+        std::memcpy(&lo, &v, sizeof lo);
+        std::memcpy(&hi, reinterpret_cast<const char*>(&v) + sizeof lo, sizeof hi);
+        return lane_total(lo + hi);
+    }
 }
 
 // ------------------------------------------------ sums in a fixed lane layout
