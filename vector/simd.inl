@@ -231,9 +231,7 @@ VEK_ELEMENT Vec<std::int32_t, N> extend32(Vec<Int, N> v) {
         return reinterpret_cast<Out>(kSigned ? _mm256_cvtepi16_epi32(x) : _mm256_cvtepu16_epi32(x));
     }
     if constexpr (N == 8 && sizeof(Int) == 1) {
-        std::int64_t bytes;
-        std::memcpy(&bytes, &v, sizeof bytes);
-        const __m128i x = _mm_cvtsi64_si128(bytes);
+        const __m128i x = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(&v));  // 8 bytes
         return reinterpret_cast<Out>(kSigned ? _mm256_cvtepi8_epi32(x) : _mm256_cvtepu8_epi32(x));
     }
 #endif
