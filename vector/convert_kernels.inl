@@ -131,11 +131,11 @@ void from_int(const void* srcv, Real* dst, int len) {
             return __builtin_convertvector(v, Vec<Real, N>);
     };
     int i = 0;
-    for (; i + 2 * N <= len; i += 2 * N) {
+    for (; i <= len - 2 * N; i += 2 * N) {
         store(dst + i, widen_lanes(load<In>(src + i * int(sizeof(Int)))));
         store(dst + i + N, widen_lanes(load<In>(src + (i + N) * int(sizeof(Int)))));
     }
-    if (i + N <= len) {
+    if (i <= len - N) {
         store(dst + i, widen_lanes(load<In>(src + i * int(sizeof(Int)))));
         i += N;
     }
@@ -280,7 +280,7 @@ void to_int(const Real* src, void* dstv, int len, int flags, const Site& site) {
     int i = 0;
     if (flags & VEK_CvtReport) {
         // Reports come in index order from the element loop.
-        for (; i + N <= len; i += N) {
+        for (; i <= len - N; i += N) {
             const V x = load<V>(src + i);
             if (in_range_bits(x, lo, hi) == kAll)
                 store(dst + i, exact(x));
@@ -291,7 +291,7 @@ void to_int(const Real* src, void* dstv, int len, int flags, const Site& site) {
         return;
     }
     if (flags & VEK_CvtSaturate) {
-        for (; i + N <= len; i += N)
+        for (; i <= len - N; i += N)
             store(dst + i, saturated<Int, Mode, N>(load<V>(src + i), lo, hi));
         if constexpr (kMaskedEnds) {
             if (i < len)
@@ -320,7 +320,7 @@ void to_int(const Real* src, void* dstv, int len, int flags, const Site& site) {
                     if (inside >> j & 1) dst[at + j] = v[j];
             }
         };
-        for (; i + N <= len; i += N) block(load<V>(src + i), i, N);
+        for (; i <= len - N; i += N) block(load<V>(src + i), i, N);
         if constexpr (kMaskedEnds) {
             if (i < len) block(load_first<V>(src + i, len - i), i, len - i);
             return;

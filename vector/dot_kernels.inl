@@ -14,12 +14,12 @@ float dot_s(const float* a, const float* b, int n) {
     double lanes[1][kSumLanes];
     sum_lanes<1>(
         n,
-        [&](VD(&acc)[1][kSumLanes / kDoubles], int r, int at) {
+        [&](VD(&acc)[1][kSumLanes / kDoubles], int r, std::ptrdiff_t at) {
             acc[0][r] =
                 add_exact_product(acc[0][r], widen<kDoubles>(load<Vec<float, kDoubles>>(a + at)),
                                   widen<kDoubles>(load<Vec<float, kDoubles>>(b + at)));
         },
-        [&](double(&l)[1][kSumLanes], int lane, int i) {
+        [&](double(&l)[1][kSumLanes], int lane, std::ptrdiff_t i) {
             l[0][lane] += double(a[i]) * double(b[i]);
         },
         lanes);
@@ -31,10 +31,11 @@ double dot_d(const double* a, const double* b, int n) {
     double lanes[1][kSumLanes];
     sum_lanes<1>(
         n,
-        [&](VD(&acc)[1][kSumLanes / kDoubles], int r, int at) {
+        [&](VD(&acc)[1][kSumLanes / kDoubles], int r, std::ptrdiff_t at) {
             acc[0][r] += load<VD>(a + at) * load<VD>(b + at);
         },
-        [&](double(&l)[1][kSumLanes], int lane, int i) { l[0][lane] += a[i] * b[i]; }, lanes);
+        [&](double(&l)[1][kSumLanes], int lane, std::ptrdiff_t i) { l[0][lane] += a[i] * b[i]; },
+        lanes);
     fold_lanes(lanes[0]);
     return lanes[0][0];
 }
@@ -45,8 +46,8 @@ template <class T, class Result>
 Result dot_complex(const T* x, const T* y, int n) {
     double lanes[2][kSumLanes];
     sum_lanes<2>(
-        2 * n,
-        [&](VD(&acc)[2][kSumLanes / kDoubles], int r, int at) {
+        2 * std::ptrdiff_t(n),
+        [&](VD(&acc)[2][kSumLanes / kDoubles], int r, std::ptrdiff_t at) {
             VD p, q;
             if constexpr (sizeof(T) == 4) {
                 p = widen<kDoubles>(load<Vec<float, kDoubles>>(x + at));
@@ -60,7 +61,7 @@ Result dot_complex(const T* x, const T* y, int n) {
                 acc[1][r] += p * swap_pairs(q);
             }
         },
-        [&](double(&l)[2][kSumLanes], int lane, int i) {
+        [&](double(&l)[2][kSumLanes], int lane, std::ptrdiff_t i) {
             l[0][lane] += double(x[i]) * double(y[i]);
             l[1][lane] += double(x[i]) * double(y[i ^ 1]);
         },
@@ -77,8 +78,8 @@ template <class T, class Result>
 Result dot_mixed(const T* x, const T* y, int n) {
     double lanes[1][kSumLanes];
     sum_lanes<1>(
-        2 * n,
-        [&](VD(&acc)[1][kSumLanes / kDoubles], int r, int at) {
+        2 * std::ptrdiff_t(n),
+        [&](VD(&acc)[1][kSumLanes / kDoubles], int r, std::ptrdiff_t at) {
             if constexpr (sizeof(T) == 4) {
                 const VD p = widen<kDoubles>(load<Vec<float, kDoubles>>(x + at));
                 const VD q =
@@ -89,7 +90,7 @@ Result dot_mixed(const T* x, const T* y, int n) {
                     load<VD>(x + at) * twice<VD>(load<Vec<double, kDoubles / 2>>(y + at / 2));
             }
         },
-        [&](double(&l)[1][kSumLanes], int lane, int i) {
+        [&](double(&l)[1][kSumLanes], int lane, std::ptrdiff_t i) {
             l[0][lane] += double(x[i]) * double(y[i / 2]);
         },
         lanes);
@@ -121,11 +122,11 @@ constexpr int kShorts = kVecBytes / 2;
 std::int32_t dot_w(const short* a, const short* b, int n) {
     VU acc0 = {}, acc1 = {};
     int i = 0;
-    for (; i + 2 * kShorts <= n; i += 2 * kShorts) {
+    for (; i <= n - 2 * kShorts; i += 2 * kShorts) {
         acc0 += madd16(load<VS>(a + i), load<VS>(b + i));
         acc1 += madd16(load<VS>(a + i + kShorts), load<VS>(b + i + kShorts));
     }
-    if (i + kShorts <= n) {
+    if (i <= n - kShorts) {
         acc0 += madd16(load<VS>(a + i), load<VS>(b + i));
         i += kShorts;
     }
@@ -145,7 +146,7 @@ CplxInt dot_v(const CplxShort* a, const CplxShort* b, int n) {
     constexpr int K = kShorts / 2;  // complex elements per register
     VU re = {}, im = {};
     int k = 0;
-    for (; k + K <= n; k += K) {
+    for (; k <= n - K; k += K) {
         const VS x = load<VS>(&a[k].re);
         const VU y = load<VU>(&b[k].re);
         re += madd16(x, reinterpret_cast<VS>(y ^ 0xFFFF0000u)) +
@@ -165,7 +166,7 @@ CplxInt dot_vw(const CplxShort* a, const short* b, int n) {
     constexpr int K = kShorts / 2;
     VU re = {}, im = {};
     int k = 0;
-    for (; k + K <= n; k += K) {
+    for (; k <= n - K; k += K) {
         const VS x = load<VS>(&a[k].re);
         const VU y = reinterpret_cast<VU>(twice<VS>(load<Vec<std::int16_t, K>>(b + k)));
         re += madd16(x, reinterpret_cast<VS>(y & 0xFFFFu));

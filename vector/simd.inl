@@ -297,18 +297,18 @@ VEK_ELEMENT Vec<std::uint32_t> madd16(Vec<std::int16_t> a, Vec<std::int16_t> b) 
 
 // The sum of all lanes of an integer vector (modulo the lane width), by
 // halving: high half onto low half.
+template <class V, std::size_t... I>
+VEK_ELEMENT auto fold_halves_(V v, std::index_sequence<I...>) {
+    constexpr std::size_t kHalf = sizeof...(I);
+    return __builtin_shufflevector(v, v, I...) + __builtin_shufflevector(v, v, (I + kHalf)...);
+}
 template <class V>
 VEK_ELEMENT auto lane_total(V v) {
-    using T = std::remove_reference_t<decltype(v[0])>;
-    constexpr int N = sizeof(V) / sizeof(T);
-    if constexpr (N == 1) {
+    constexpr std::size_t N = sizeof(V) / sizeof(v[0]);
+    if constexpr (N == 1)
         return v[0];
-    } else {
-        Vec<T, N / 2> lo, hi;
-        std::memcpy(&lo, &v, sizeof lo);
-        std::memcpy(&hi, reinterpret_cast<const char*>(&v) + sizeof lo, sizeof hi);
-        return lane_total(lo + hi);
-    }
+    else
+        return lane_total(fold_halves_(v, std::make_index_sequence<N / 2>()));
 }
 
 // ------------------------------------------------ sums in a fixed lane layout
@@ -326,12 +326,13 @@ constexpr int kSumLanes = 16;
 // then spills the sums to lanes[k][...] and adds each remaining term through
 // `tail(lanes, lane, index)`.
 template <int Sets, class Step, class Tail>
-VEK_ELEMENT void sum_lanes(int n, Step step, Tail tail, double (&lanes)[Sets][kSumLanes]) {
+VEK_ELEMENT void sum_lanes(std::ptrdiff_t n, Step step, Tail tail,
+                           double (&lanes)[Sets][kSumLanes]) {
     constexpr int L = kVecBytes / 8;
     constexpr int R = kSumLanes / L;
     Vec<double, L> acc[Sets][R] = {};
-    int i = 0;
-    for (; i + kSumLanes <= n; i += kSumLanes) {
+    std::ptrdiff_t i = 0;
+    for (; i <= n - kSumLanes; i += kSumLanes) {
 #pragma GCC unroll 8
         for (int r = 0; r < R; ++r) step(acc, r, i + r * L);
     }

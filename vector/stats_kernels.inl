@@ -19,10 +19,11 @@ double sum_s(const float* x, int n) {
     double lanes[1][kSumLanes];
     sum_lanes<1>(
         n,
-        [&](VD(&acc)[1][kSumLanes / kDoubles], int r, int at) {
+        [&](VD(&acc)[1][kSumLanes / kDoubles], int r, std::ptrdiff_t at) {
             acc[0][r] += widen<kDoubles>(load<VF>(x + at));
         },
-        [&](double(&l)[1][kSumLanes], int lane, int i) { l[0][lane] += double(x[i]); }, lanes);
+        [&](double(&l)[1][kSumLanes], int lane, std::ptrdiff_t i) { l[0][lane] += double(x[i]); },
+        lanes);
     fold_lanes(lanes[0]);
     return lanes[0][0];
 }
@@ -31,11 +32,11 @@ double sum_squares_s(const float* x, int n) {
     double lanes[1][kSumLanes];
     sum_lanes<1>(
         n,
-        [&](VD(&acc)[1][kSumLanes / kDoubles], int r, int at) {
+        [&](VD(&acc)[1][kSumLanes / kDoubles], int r, std::ptrdiff_t at) {
             const VD v = widen<kDoubles>(load<VF>(x + at));
             acc[0][r] = add_exact_product(acc[0][r], v, v);
         },
-        [&](double(&l)[1][kSumLanes], int lane, int i) {
+        [&](double(&l)[1][kSumLanes], int lane, std::ptrdiff_t i) {
             l[0][lane] += double(x[i]) * double(x[i]);
         },
         lanes);
@@ -46,8 +47,11 @@ double sum_squares_s(const float* x, int n) {
 double sum_d(const double* x, int n) {
     double lanes[1][kSumLanes];
     sum_lanes<1>(
-        n, [&](VD(&acc)[1][kSumLanes / kDoubles], int r, int at) { acc[0][r] += load<VD>(x + at); },
-        [&](double(&l)[1][kSumLanes], int lane, int i) { l[0][lane] += x[i]; }, lanes);
+        n,
+        [&](VD(&acc)[1][kSumLanes / kDoubles], int r, std::ptrdiff_t at) {
+            acc[0][r] += load<VD>(x + at);
+        },
+        [&](double(&l)[1][kSumLanes], int lane, std::ptrdiff_t i) { l[0][lane] += x[i]; }, lanes);
     fold_lanes(lanes[0]);
     return lanes[0][0];
 }
@@ -56,11 +60,12 @@ double sum_squares_d(const double* x, int n) {
     double lanes[1][kSumLanes];
     sum_lanes<1>(
         n,
-        [&](VD(&acc)[1][kSumLanes / kDoubles], int r, int at) {
+        [&](VD(&acc)[1][kSumLanes / kDoubles], int r, std::ptrdiff_t at) {
             const VD v = load<VD>(x + at);
             acc[0][r] += v * v;
         },
-        [&](double(&l)[1][kSumLanes], int lane, int i) { l[0][lane] += x[i] * x[i]; }, lanes);
+        [&](double(&l)[1][kSumLanes], int lane, std::ptrdiff_t i) { l[0][lane] += x[i] * x[i]; },
+        lanes);
     fold_lanes(lanes[0]);
     return lanes[0][0];
 }
@@ -75,7 +80,7 @@ std::int32_t sum_w(const short* x, int n) {
     const VS one = splat<VS>(1);
     VU acc = {};
     int i = 0;
-    for (; i + kShorts <= n; i += kShorts) acc += madd16(load<VS>(x + i), one);
+    for (; i <= n - kShorts; i += kShorts) acc += madd16(load<VS>(x + i), one);
     std::uint32_t sum = lane_total(acc);
     for (; i < n; ++i) sum += std::uint32_t(std::int32_t(x[i]));
     return std::int32_t(sum);
@@ -86,7 +91,7 @@ std::int32_t sum_w(const short* x, int n) {
 std::uint64_t sum_squares_w(const short* x, int n) {
     VU64 acc = {};
     int i = 0;
-    for (; i + kShorts <= n; i += kShorts) {
+    for (; i <= n - kShorts; i += kShorts) {
         const VS v = load<VS>(x + i);
         const VU64 pairs = reinterpret_cast<VU64>(madd16(v, v));
         acc += (pairs & 0xFFFFFFFFu) + (pairs >> 32);
@@ -105,7 +110,8 @@ std::uint64_t sum_squares_w(const short* x, int n) {
 template <bool kMax, class T>
 T extreme(const T* x, int n, int* index) {
     using E = std::conditional_t<std::is_same_v<T, short>, std::int32_t, T>;  // lane values
-    using I = MaskLane<E>;                                                    // lane indexes
+    using I = std::make_unsigned_t<MaskLane<E>>;        // lane indexes, unsigned: they may wrap
+    constexpr I kNone = std::numeric_limits<I>::max();  // no element has beaten kWorst
     constexpr int L = kVecBytes / int(sizeof(E));
     constexpr int U = 4;  // independent accumulators
     using VE = Vec<E, L>;
@@ -130,17 +136,17 @@ T extreme(const T* x, int n, int* index) {
     };
 
     E best = kWorst;
-    I where = -1;  // -1 until an element beats kWorst
+    I where = kNone;
     int i = 0;
     if (n >= U * L) {
         VE b[U];
         VI w[U], idx[U];
         for (int u = 0; u < U; ++u) {
             b[u] = splat<VE>(kWorst);
-            w[u] = splat<VI>(-1);
+            w[u] = splat<VI>(kNone);
             for (int j = 0; j < L; ++j) idx[u][j] = I(u * L + j);
         }
-        for (; i + U * L <= n; i += U * L) {
+        for (; i <= n - U * L; i += U * L) {
             for (int u = 0; u < U; ++u) {
                 const VE v = lanes_at(i + u * L);
                 const auto m = better(v, b[u]);
@@ -149,8 +155,8 @@ T extreme(const T* x, int n, int* index) {
                 idx[u] += I(U * L);
             }
         }
-        // A lane still at kWorst has index -1 and loses every tie it could
-        // be in only to another such lane.
+        // A lane still at kWorst has index kNone: it can tie only with
+        // another such lane, and loses every other comparison.
         for (int u = 1; u < U; ++u) {
             const auto m = better(b[u], b[0]) | ((b[u] == b[0]) & (w[u] < w[0]));
             b[0] = m ? b[u] : b[0];
@@ -169,12 +175,12 @@ T extreme(const T* x, int n, int* index) {
             where = i;
         }
     }
-    if (where < 0) {
+    if (where == kNone) {
         // Only floats get here: every element is NaN or the infinity on the
         // wrong side. Take the first that is not NaN, or else element 0.
         where = 0;
-        while (where < n && x[where] != x[where]) ++where;
-        if (where == n) where = 0;
+        while (where < I(n) && x[where] != x[where]) ++where;
+        if (where == I(n)) where = 0;
     }
     if (index) *index = int(where);
     return x[where];
