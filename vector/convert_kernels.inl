@@ -132,16 +132,17 @@ void from_int(const void* srcv, Real* dst, int len) {
     };
     int i = 0;
     for (; i <= len - 2 * N; i += 2 * N) {
-        store(dst + i, widen_lanes(load<In>(src + i * int(sizeof(Int)))));
-        store(dst + i + N, widen_lanes(load<In>(src + (i + N) * int(sizeof(Int)))));
+        store(dst + i, widen_lanes(load<In>(src + std::size_t(i) * sizeof(Int))));
+        store(dst + i + N, widen_lanes(load<In>(src + std::size_t(i + N) * sizeof(Int))));
     }
     if (i <= len - N) {
-        store(dst + i, widen_lanes(load<In>(src + i * int(sizeof(Int)))));
+        store(dst + i, widen_lanes(load<In>(src + std::size_t(i) * sizeof(Int))));
         i += N;
     }
     if constexpr (kMaskedEnds) {
         if (i < len)
-            store_first(dst + i, widen_lanes(load_first<In>(src + i * int(sizeof(Int)), len - i)),
+            store_first(dst + i,
+                        widen_lanes(load_first<In>(src + std::size_t(i) * sizeof(Int), len - i)),
                         len - i);
     } else {
         for (; i < len; ++i) {
