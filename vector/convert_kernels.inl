@@ -332,23 +332,13 @@ void to_int(const Real* src, void* dstv, int len, int flags, const Site& site) {
 
 // ----------------------------------------------------------------- tables
 
-template <class Real>
-using ToIntLoop = void (*)(const Real*, void*, int, int, const Site&);
-
-template <class Real, int Mode>
-struct ToIntRow {
-    static constexpr ToIntLoop<Real> loops[2 * kWidths] = {
-        to_int<Real, std::int8_t, Mode>,   to_int<Real, std::int16_t, Mode>,
-        to_int<Real, std::int32_t, Mode>,  to_int<Real, std::uint8_t, Mode>,
-        to_int<Real, std::uint16_t, Mode>, to_int<Real, std::uint32_t, Mode>};
-};
-
 }  // namespace
 
-#define VEK_TO_INT(Real, Mode)                                          \
-    ToIntRow<Real, Mode>::loops[0], ToIntRow<Real, Mode>::loops[1],     \
-        ToIntRow<Real, Mode>::loops[2], ToIntRow<Real, Mode>::loops[3], \
-        ToIntRow<Real, Mode>::loops[4], ToIntRow<Real, Mode>::loops[5]
+// The six loops of one rounding, in loop_index order.
+#define VEK_TO_INT(Real, Mode)                                              \
+    to_int<Real, std::int8_t, Mode>, to_int<Real, std::int16_t, Mode>,      \
+        to_int<Real, std::int32_t, Mode>, to_int<Real, std::uint8_t, Mode>, \
+        to_int<Real, std::uint16_t, Mode>, to_int<Real, std::uint32_t, Mode>
 
 const ConvertOps convert_ops = {
     {from_int<std::int8_t, float>, from_int<std::int16_t, float>, from_int<std::int32_t, float>,
