@@ -12,7 +12,7 @@
 #include <type_traits>
 
 #include "vector/convert.hpp"
-#include "vector/simd.inl"
+#include "vector/lanes.inl"
 
 namespace vek {
 namespace VEK_ISA {

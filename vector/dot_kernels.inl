@@ -1,6 +1,6 @@
 // Dot-product kernels, compiled once per instruction set (VEK_ISA names it).
 #include "vector/dot.hpp"
-#include "vector/simd.inl"
+#include "vector/lanes.inl"
 
 namespace vek {
 namespace VEK_ISA {

@@ -2,7 +2,7 @@
 #include <limits>
 #include <type_traits>
 
-#include "vector/simd.inl"
+#include "vector/lanes.inl"
 #include "vector/stats.hpp"
 
 namespace vek {

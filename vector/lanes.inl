@@ -2,8 +2,8 @@
 // extensions: one source, lowered to SSE2, AVX2 or AVX-512 by the flags of
 // the file that includes it. Include it from a *_kernels.inl after defining
 // VEK_ISA; everything here lives in that ISA's namespace.
-#ifndef VEK_SIMD_INL
-#define VEK_SIMD_INL
+#ifndef VEK_LANES_INL
+#define VEK_LANES_INL
 
 #include <cstddef>
 #include <cstdint>
@@ -353,4 +353,4 @@ VEK_ELEMENT void fold_lanes(double* lanes, int until = 1) {
 }  // namespace VEK_ISA
 }  // namespace vek
 
-#endif  // VEK_SIMD_INL
+#endif  // VEK_LANES_INL
