@@ -380,6 +380,19 @@ VEK_API void vekcrFftNip(const float* reInSamps, const float* imInSamps,
 VEK_API void vekzrFftNip(const double* reInSamps, const double* imInSamps,
                          double* reOutSamps, double* imOutSamps, int order, int flags);
 
+/* 16-bit forms: computed in single precision and narrowed under scaleMode
+ * (modes 0 and 1 round to nearest and saturate). VEK_DoIntCore and
+ * VEK_DoFloatCore are accepted, not both; the computation is the same. */
+VEK_API void vekvFft(CplxShort* samps, int order, int flags, int scaleMode,
+                     int* scaleFactor);
+VEK_API void vekvFftNip(const CplxShort* inSamps, CplxShort* outSamps, int order,
+                        int flags, int scaleMode, int* scaleFactor);
+VEK_API void vekvrFft(short* reSamps, short* imSamps, int order, int flags,
+                      int scaleMode, int* scaleFactor);
+VEK_API void vekvrFftNip(const short* reInSamps, const short* imInSamps,
+                         short* reOutSamps, short* imOutSamps, int order, int flags,
+                         int scaleMode, int* scaleFactor);
+
 /* end of Complex FFT */
 
 /* ========================================================================
