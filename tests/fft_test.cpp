@@ -40,7 +40,7 @@ struct Api<CplxDouble> {
     using R = double;
     static constexpr const char* module = "vekfftd";
     static constexpr double tol = 5e-17;
-    static constexpr int large = 19;
+    static constexpr int large = 17;
     static void fft(CplxDouble* x, int o, int f) { vekzFft(x, o, f); }
     static void nip(const CplxDouble* x, CplxDouble* y, int o, int f) { vekzFftNip(x, y, o, f); }
     static void rfft(double* re, double* im, int o, int f) { vekzrFft(re, im, o, f); }
