@@ -333,6 +333,7 @@ TYPED_TEST(Fft, InitFreeAndMemory) {
     using C = TypeParam;
     for (int order : {0, 5, 12, 20}) {
         Api<C>::fft(nullptr, order, VEK_Init);
+        Api<C>::fft(nullptr, order, VEK_Init | VEK_OutBitRev);
         Api<C>::nip(nullptr, nullptr, order, VEK_Init | VEK_Forw | VEK_Inv);
         Api<C>::rfft(nullptr, nullptr, order, VEK_Init);
         Api<C>::fft(nullptr, order, VEK_Free);

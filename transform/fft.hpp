@@ -83,10 +83,6 @@ struct FftPlan {
     int colsLog;           // four-step: log2 C
     int lanes;             // four-step: columns per block
     FftSchedule<C> whole;  // direct
-    // Direct, order 4 and above: in-place passes between natural and
-    // bit-reversed order (decimation in frequency in this order, in time
-    // backwards). Empty otherwise.
-    FftSchedule<C> rev;
     // Four-step: the column FFTs (lanes interleaved), the row FFTs,
     FftSchedule<C> rows;
     FftSchedule<C> cols;
@@ -113,12 +109,12 @@ struct FftOps {
                   CplxFloat* work, bool inverse, float scale);
     void (*run_z)(const FftPlan<CplxDouble>* plan, const CplxDouble* src, CplxDouble* dst,
                   CplxDouble* work, bool inverse, double scale);
-    // In place between natural and bit-reversed order (plan->rev), times
-    // scale: natural to bit-reversed, or with `fromRev` bit-reversed to
-    // natural.
-    void (*rev_c)(const FftPlan<CplxFloat>* plan, CplxFloat* x, bool inverse, bool fromRev,
+    // In place between natural and bit-reversed order, times scale: the
+    // passes of `rev` (fft_rev_schedule) from natural to bit-reversed
+    // order, or with `fromRev` backwards from bit-reversed to natural.
+    void (*rev_c)(const FftSchedule<CplxFloat>* rev, CplxFloat* x, bool inverse, bool fromRev,
                   float scale);
-    void (*rev_z)(const FftPlan<CplxDouble>* plan, CplxDouble* x, bool inverse, bool fromRev,
+    void (*rev_z)(const FftSchedule<CplxDouble>* rev, CplxDouble* x, bool inverse, bool fromRev,
                   double scale);
 };
 
