@@ -302,11 +302,96 @@ VEK_API short vekwMinExt(const short* vec, int len, int* index);
  * Bit reversal and twiddle tables
  * ======================================================================== */
 
+/* ------------------------------------------------------------------------
+ * Transform tables are built on first use and kept per thread; a returned
+ * table stays valid until the matching Free call or the thread's end, and
+ * the caller never frees it.
+ * ------------------------------------------------------------------------ */
+
+/* The low `order` bits of a reversed (0 for order below 1). */
+VEK_API int vekBitRev(int a, int order);
+/* tbl[i] = vekBitRev(i, order) for i < 2^order. */
+VEK_API void vekCalcBitRevTbl(int* tbl, int order);
+VEK_API int* vekGetBitRevTbl(int order);
+VEK_API void vekFreeBitRevTbls(void);
+
+/* Permute 2^order elements into bit-reversed order: in place (1) or from
+ * src to dst (2). */
+VEK_API void vekwbBitRev1(short* vec, int order);
+VEK_API void vekvbBitRev1(CplxShort* vec, int order);
+VEK_API void veksbBitRev1(float* vec, int order);
+VEK_API void vekcbBitRev1(CplxFloat* vec, int order);
+VEK_API void vekdbBitRev1(double* vec, int order);
+VEK_API void vekzbBitRev1(CplxDouble* vec, int order);
+VEK_API void vekwbBitRev2(const short* src, short* dst, int order);
+VEK_API void vekvbBitRev2(const CplxShort* src, CplxShort* dst, int order);
+VEK_API void veksbBitRev2(const float* src, float* dst, int order);
+VEK_API void vekcbBitRev2(const CplxFloat* src, CplxFloat* dst, int order);
+VEK_API void vekdbBitRev2(const double* src, double* dst, int order);
+VEK_API void vekzbBitRev2(const CplxDouble* src, CplxDouble* dst, int order);
+
+/* FFT twiddles: 2^order entries exp(-2*pi*i*k/2^order). The 16-bit table
+ * holds 16384*cos and -16384*sin truncated toward zero. */
+VEK_API void vekcCalcFftTwdTbl(CplxFloat* tbl, int order);
+VEK_API void vekzCalcFftTwdTbl(CplxDouble* tbl, int order);
+VEK_API void vekvCalcFftTwdTbl(CplxShort* tbl, int order);
+VEK_API CplxFloat* vekcGetFftTwdTbl(int order);
+VEK_API CplxDouble* vekzGetFftTwdTbl(int order);
+VEK_API CplxShort* vekvGetFftTwdTbl(int order);
+
+/* DFT twiddles: `length` entries exp(-2*pi*i*k/length). A thread keeps at
+ * most 32 lengths per type ("Full Table" beyond, until the Free call). */
+VEK_API void vekcCalcDftTwdTbl(CplxFloat* tbl, int length);
+VEK_API void vekzCalcDftTwdTbl(CplxDouble* tbl, int length);
+VEK_API void vekvCalcDftTwdTbl(CplxShort* tbl, int length);
+VEK_API CplxFloat* vekcGetDftTwdTbl(int length);
+VEK_API CplxDouble* vekzGetDftTwdTbl(int length);
+VEK_API CplxShort* vekvGetDftTwdTbl(int length);
+
+/* Release every table of the type (FFT, DFT, kernel tables, work buffers). */
+VEK_API void vekcFreeTwdTbls(void);
+VEK_API void vekzFreeTwdTbls(void);
+VEK_API void vekvFreeTwdTbls(void);
+
 /* end of Bit reversal and twiddle tables */
 
 /* ========================================================================
  * Complex FFT
  * ======================================================================== */
+
+/* ------------------------------------------------------------------------
+ * FFT of N = 2^order points (order 0..31). flags: VEK_Forw or VEK_Inv
+ * (scaled by 1/N unless VEK_NoScale), at most one of VEK_NoBitRev,
+ * VEK_InBitRev, VEK_OutBitRev; VEK_Init builds the tables and returns,
+ * VEK_Free releases them (the data pointers may then be NULL). Nip forms
+ * never write their input; r forms hold real and imaginary parts apart.
+ * ------------------------------------------------------------------------ */
+
+VEK_API void vekcFft(CplxFloat* samps, int order, int flags);
+VEK_API void vekzFft(CplxDouble* samps, int order, int flags);
+VEK_API void vekcFftNip(const CplxFloat* inSamps, CplxFloat* outSamps, int order,
+                        int flags);
+VEK_API void vekzFftNip(const CplxDouble* inSamps, CplxDouble* outSamps, int order,
+                        int flags);
+VEK_API void vekcrFft(float* reSamps, float* imSamps, int order, int flags);
+VEK_API void vekzrFft(double* reSamps, double* imSamps, int order, int flags);
+VEK_API void vekcrFftNip(const float* reInSamps, const float* imInSamps,
+                         float* reOutSamps, float* imOutSamps, int order, int flags);
+VEK_API void vekzrFftNip(const double* reInSamps, const double* imInSamps,
+                         double* reOutSamps, double* imOutSamps, int order, int flags);
+
+/* 16-bit forms: computed in single precision and narrowed under scaleMode
+ * (modes 0 and 1 round to nearest and saturate). VEK_DoIntCore and
+ * VEK_DoFloatCore are accepted, not both; the computation is the same. */
+VEK_API void vekvFft(CplxShort* samps, int order, int flags, int scaleMode,
+                     int* scaleFactor);
+VEK_API void vekvFftNip(const CplxShort* inSamps, CplxShort* outSamps, int order,
+                        int flags, int scaleMode, int* scaleFactor);
+VEK_API void vekvrFft(short* reSamps, short* imSamps, int order, int flags,
+                      int scaleMode, int* scaleFactor);
+VEK_API void vekvrFftNip(const short* reInSamps, const short* imInSamps,
+                         short* reOutSamps, short* imOutSamps, int order, int flags,
+                         int scaleMode, int* scaleFactor);
 
 /* end of Complex FFT */
 
