@@ -405,6 +405,15 @@ VEK_API void vekvrFftNip(const short* reInSamps, const short* imInSamps,
  * DFT and Goertzel
  * ======================================================================== */
 
+/* DFT of any length >= 1 (forward unscaled, inverse scaled by 1/length
+ * unless VEK_NoScale). flags: exactly one of VEK_Forw and VEK_Inv;
+ * VEK_Init builds the length's table and work buffer, VEK_Free releases the
+ * work buffer. src may equal dst. */
+VEK_API void vekcDft(const CplxFloat* src, CplxFloat* dst, int length, int flags);
+VEK_API void vekzDft(const CplxDouble* src, CplxDouble* dst, int length, int flags);
+VEK_API void vekvDft(const CplxShort* src, CplxShort* dst, int length, int flags, int scaleMode,
+                     int* scaleFactor);
+
 /* One Goertzel state serves every type: each function uses the member of
  * its type (s and w: .s; c and v: .c; d: .d; z: .z). Fill it with
  * vek?GoertzInit. s2 is the older delay value, s1 the newer one. */

@@ -457,6 +457,11 @@ void* scratch(ThreadContext* ctx, CplxKind kind, int slot, std::uint64_t bytes) 
     return p;
 }
 
+void scratch_release(ThreadContext* ctx, CplxKind kind, int slot) {
+    drop(ctx->scratch[kind].buffer[slot]);
+    ctx->scratch[kind].length[slot] = 0;
+}
+
 namespace {
 
 bool try_acquire(ThreadContext* ctx, CplxKind kind, int order) {
@@ -472,8 +477,7 @@ bool try_acquire(ThreadContext* ctx, CplxKind kind, int order) {
 bool fft_acquire(ThreadContext* ctx, CplxKind kind, int order) {
     if (try_acquire(ctx, kind, order)) return true;
     release_kernel_tables(ctx, kind);
-    drop(ctx->scratch[kind].buffer[kScratchFft]);
-    ctx->scratch[kind].length[kScratchFft] = 0;
+    scratch_release(ctx, kind, kScratchFft);
     return try_acquire(ctx, kind, order);
 }
 
@@ -483,8 +487,7 @@ void fft_release(ThreadContext* ctx, CplxKind kind, int order) {
         drop(ctx->orderTbl[kind == kKindC ? kTblRevC : kTblRevZ][order]);
         drop(ctx->swapList[order]);
     }
-    drop(ctx->scratch[kind].buffer[kScratchFft]);
-    ctx->scratch[kind].length[kScratchFft] = 0;
+    scratch_release(ctx, kind, kScratchFft);
 }
 
 // ----------------------------------------------------------------- release

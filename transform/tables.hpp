@@ -63,6 +63,7 @@ const void* fft_rev_schedule(ThreadContext* ctx, CplxKind kind, int order);
 // A work buffer of at least `bytes`, kept in scratch slot `slot` of `kind`
 // and grown when too small. Null when memory is short.
 void* scratch(ThreadContext* ctx, CplxKind kind, int slot, std::uint64_t bytes);
+void scratch_release(ThreadContext* ctx, CplxKind kind, int slot);
 
 // Everything a transform of one order and kind needs before it runs: the
 // plan, the swap list and the FFT work area. One retry after releasing the
