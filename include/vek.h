@@ -256,7 +256,8 @@ VEK_API void vekcbThresh1(CplxFloat* vec, int len, float thresh, int relOp);
 VEK_API void vekcbThresh2(const CplxFloat* src, CplxFloat* dst, int len, float thresh, int relOp);
 VEK_API void vekcbInvThresh1(CplxFloat* vec, int len, float thresh);
 VEK_API void vekcbInvThresh2(const CplxFloat* src, CplxFloat* dst, int len, float thresh);
-VEK_API void vekcbNormalize(const CplxFloat* src, CplxFloat* dst, int n, CplxFloat offset, float factor);
+VEK_API void vekcbNormalize(const CplxFloat* src, CplxFloat* dst, int n, CplxFloat offset,
+                            float factor);
 
 VEK_API void vekzbAdd1(CplxDouble val, CplxDouble* dst, int n);
 VEK_API void vekzbAdd2(const CplxDouble* src, CplxDouble* dst, int n);
@@ -275,10 +276,12 @@ VEK_API void vekzbSqr2(const CplxDouble* src, CplxDouble* dst, int len);
 VEK_API void vekzbSqrt1(CplxDouble* vec, int len);
 VEK_API void vekzbSqrt2(const CplxDouble* src, CplxDouble* dst, int len);
 VEK_API void vekzbThresh1(CplxDouble* vec, int len, double thresh, int relOp);
-VEK_API void vekzbThresh2(const CplxDouble* src, CplxDouble* dst, int len, double thresh, int relOp);
+VEK_API void vekzbThresh2(const CplxDouble* src, CplxDouble* dst, int len, double thresh,
+                          int relOp);
 VEK_API void vekzbInvThresh1(CplxDouble* vec, int len, double thresh);
 VEK_API void vekzbInvThresh2(const CplxDouble* src, CplxDouble* dst, int len, double thresh);
-VEK_API void vekzbNormalize(const CplxDouble* src, CplxDouble* dst, int n, CplxDouble offset, double factor);
+VEK_API void vekzbNormalize(const CplxDouble* src, CplxDouble* dst, int n, CplxDouble offset,
+                            double factor);
 
 /* Single complex values. Div by 0 + 0i reports and returns 0 + 0i. */
 VEK_API CplxFloat vekcAdd(CplxFloat a, CplxFloat b);
@@ -301,6 +304,78 @@ VEK_API CplxDouble vekzSet(double re, double im);
 /* ========================================================================
  * 16-bit vector arithmetic (w, v)
  * ======================================================================== */
+
+/* 16-bit (w: short) and complex 16-bit (v: CplxShort) vectors. The sums,
+ * differences and products are exact in 32 bits and narrowed by scaleMode:
+ *   VEK_NO_SCALE      the low 16 bits;
+ *   VEK_SATURATE      clamped to -32768..32767;
+ *   VEK_AUTO_SCALE    every result shifted right by the smallest factor
+ *                     that makes all of them fit; the factor (0 when
+ *                     nothing overflowed) is written to *scaleFactor;
+ *   VEK_FIXED_SCALE   shifted by *scaleFactor (right for f > 0, left for
+ *                     f < 0; a NULL pointer reads as 0), low 16 bits kept;
+ *   VEK_FIXED_SCALE | VEK_SATURATE   the same, clamped.
+ * Any other mode value (5, 6, 7) takes the VEK_FIXED_SCALE path. Only
+ * VEK_AUTO_SCALE requires scaleFactor. Complex products are
+ * (a.re*b.re - a.im*b.im, a.im*b.re + a.re*b.im), both parts under the same
+ * mode and, in VEK_AUTO_SCALE, one factor. */
+
+VEK_API void vekwbZero(short* dst, int n);
+VEK_API void vekwbSet(short val, short* dst, int n);
+VEK_API void vekwbCopy(const short* src, short* dst, int n);
+VEK_API void vekwbAdd1(short val, short* dst, int n, int scaleMode, int* scaleFactor);
+VEK_API void vekwbAdd2(const short* src, short* dst, int n, int scaleMode, int* scaleFactor);
+VEK_API void vekwbAdd3(const short* srcA, const short* srcB, short* dst, int n, int scaleMode,
+                       int* scaleFactor);
+VEK_API void vekwbSub1(short val, short* dst, int n, int scaleMode, int* scaleFactor);
+VEK_API void vekwbSub2(const short* src, short* dst, int n, int scaleMode, int* scaleFactor);
+VEK_API void vekwbSub3(const short* srcA, const short* srcB, short* dst, int n, int scaleMode,
+                       int* scaleFactor);
+VEK_API void vekwbMpy1(short val, short* dst, int n, int scaleMode, int* scaleFactor);
+VEK_API void vekwbMpy2(const short* src, short* dst, int n, int scaleMode, int* scaleFactor);
+VEK_API void vekwbMpy3(const short* srcA, const short* srcB, short* dst, int n, int scaleMode,
+                       int* scaleFactor);
+
+VEK_API void vekvbZero(CplxShort* dst, int n);
+VEK_API void vekvbSet(CplxShort val, CplxShort* dst, int n);
+VEK_API void vekvbCopy(const CplxShort* src, CplxShort* dst, int n);
+VEK_API void vekvbAdd1(CplxShort val, CplxShort* dst, int n, int scaleMode, int* scaleFactor);
+VEK_API void vekvbAdd2(const CplxShort* src, CplxShort* dst, int n, int scaleMode,
+                       int* scaleFactor);
+VEK_API void vekvbAdd3(const CplxShort* srcA, const CplxShort* srcB, CplxShort* dst, int n,
+                       int scaleMode, int* scaleFactor);
+VEK_API void vekvbSub1(CplxShort val, CplxShort* dst, int n, int scaleMode, int* scaleFactor);
+VEK_API void vekvbSub2(const CplxShort* src, CplxShort* dst, int n, int scaleMode,
+                       int* scaleFactor);
+VEK_API void vekvbSub3(const CplxShort* srcA, const CplxShort* srcB, CplxShort* dst, int n,
+                       int scaleMode, int* scaleFactor);
+VEK_API void vekvbMpy1(CplxShort val, CplxShort* dst, int n, int scaleMode, int* scaleFactor);
+VEK_API void vekvbMpy2(const CplxShort* src, CplxShort* dst, int n, int scaleMode,
+                       int* scaleFactor);
+VEK_API void vekvbMpy3(const CplxShort* srcA, const CplxShort* srcB, CplxShort* dst, int n,
+                       int scaleMode, int* scaleFactor);
+
+/* Conjugates, without scaling; a negated -32768 saturates to 32767.
+ * ConjFlip2: dst[i] = conj(src[n-1-i]), the mirror image of a run of
+ *   spectrum bins (src may be dst).
+ * ConjExtend: a spectrum of n points given by its first half X[0..n/2]
+ *   (n/2 + 1 elements) is completed by X[n-k] = conj(X[k]) for
+ *   1 <= k <= (n-1)/2. vec and dst hold n elements; src holds n/2 + 1. */
+VEK_API void vekvbConj1(CplxShort* vec, int n);
+VEK_API void vekvbConj2(const CplxShort* src, CplxShort* dst, int n);
+VEK_API void vekvbConjFlip2(const CplxShort* src, CplxShort* dst, int n);
+VEK_API void vekvbConjExtend1(CplxShort* vec, int n);
+VEK_API void vekvbConjExtend2(const CplxShort* src, CplxShort* dst, int n);
+
+/* Single CplxShort values; results saturate to -32768..32767. Div truncates
+ * toward zero; division by 0 + 0i reports and returns 0 + 0i. */
+VEK_API CplxShort vekvAdd(CplxShort a, CplxShort b);
+VEK_API CplxShort vekvSub(CplxShort a, CplxShort b);
+VEK_API CplxShort vekvMpy(CplxShort a, CplxShort b);
+VEK_API CplxShort vekvDiv(CplxShort a, CplxShort b);
+VEK_API CplxShort vekvConj(CplxShort a);
+VEK_API CplxShort vekvSet(short re, short im);
+
 
 /* end of 16-bit vector arithmetic (w, v) */
 

@@ -44,6 +44,7 @@ constexpr int kVecBytes = VEK_SIMD_BYTES;
 typedef float VF __attribute__((vector_size(VEK_SIMD_BYTES)));
 typedef double VD __attribute__((vector_size(VEK_SIMD_BYTES)));
 typedef std::int16_t VS __attribute__((vector_size(VEK_SIMD_BYTES)));
+typedef std::uint16_t VUS __attribute__((vector_size(VEK_SIMD_BYTES)));
 typedef std::int32_t VI __attribute__((vector_size(VEK_SIMD_BYTES)));
 typedef std::uint32_t VU __attribute__((vector_size(VEK_SIMD_BYTES)));
 typedef std::int64_t VL __attribute__((vector_size(VEK_SIMD_BYTES)));
