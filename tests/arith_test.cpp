@@ -279,6 +279,37 @@ TEST(ComplexScalars, DivisionByZeroReportsAndGivesZero) {
     EXPECT_REPORT(rec, VEK_StatusBadArgument, "vekzDiv", "(b.re==0.0)&&(b.im==0.0)", "vekarith");
 }
 
+// Any placement of the destination gives the same results and touches
+// nothing outside it (the kernels may split off a first partial vector to
+// reach an aligned address).
+TYPED_TEST(FloatArith, EveryDestinationPlacement) {
+    using T = TypeParam;
+    const int n = 45;
+    const std::vector<T> a = random_vec<T>(n, 21), b = random_vec<T>(n, 22);
+    std::vector<T> want(n), want_sqr(n);
+    Api<T>::mpy3(a.data(), b.data(), want.data(), n);
+    Api<T>::sqr2(a.data(), want_sqr.data(), n);
+    const size_t bytes = sizeof(T) * n;
+    alignas(64) unsigned char buf[64 * 3 + sizeof(T) * n];
+    for (size_t off = 0; off <= 64; off += alignof(T)) {
+        std::memset(buf, 0x77, sizeof buf);
+        T* d = reinterpret_cast<T*>(buf + off);
+        Api<T>::mpy3(a.data(), b.data(), d, n);
+        EXPECT_EQ(std::memcmp(d, want.data(), bytes), 0) << off;
+        Api<T>::sqr1(d, n);  // in place, on the misplaced data
+        std::vector<T> twice(n);
+        Api<T>::sqr2(want.data(), twice.data(), n);
+        EXPECT_EQ(std::memcmp(d, twice.data(), bytes), 0) << off;
+        Api<T>::set(a[0], d, n);
+        for (int i = 0; i < n; ++i) ASSERT_TRUE(same_bits(d[i], a[0])) << off;
+        for (size_t i = 0; i < sizeof buf; ++i) {
+            if (i < off || i >= off + bytes) {
+                ASSERT_EQ(buf[i], 0x77) << off << " " << i;
+            }
+        }
+    }
+}
+
 // ------------------------------------------------------------ set, zero, copy
 
 TYPED_TEST(FloatArith, SetZeroAndCopy) {

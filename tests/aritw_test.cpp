@@ -279,6 +279,34 @@ TEST(ScaleModes, DocumentedExamples) {
     EXPECT_TRUE(p[0].re == 0 && p[0].im == 32767);
 }
 
+// Any placement of the destination gives the same lanes and touches
+// nothing outside it, in every vectorised mode.
+TEST(ScaleModes, EveryDestinationPlacement) {
+    const int n = 77;
+    std::vector<short> a = data(2 * n, 31, 32767), b = data(2 * n, 32, 100);
+    for (const Forms& fm : kForms) {
+        for (int mode : {0, 1, 4}) {
+            const size_t lanes = size_t(n) * (fm.cplx ? 2 : 1);
+            std::vector<short> want(lanes);
+            int wf = 0;
+            fm.f3(a.data(), b.data(), want.data(), n, mode, &wf);
+            alignas(64) short buf[64 + 2 * n + 64];
+            for (size_t off = 0; off <= 32; ++off) {
+                std::fill(std::begin(buf), std::end(buf), short(0x7777));
+                int f = 0;
+                fm.f3(a.data(), b.data(), buf + off, n, mode, &f);
+                ASSERT_TRUE(std::equal(want.begin(), want.end(), buf + off)) << off;
+                ASSERT_EQ(f, wf);
+                for (size_t i = 0; i < sizeof buf / sizeof buf[0]; ++i) {
+                    if (i < off || i >= off + lanes) {
+                        ASSERT_EQ(buf[i], 0x7777) << off << " " << i;
+                    }
+                }
+            }
+        }
+    }
+}
+
 // ------------------------------------------------------------ set, zero, copy, conjugates
 
 TEST(ShortVectors, SetZeroCopy) {

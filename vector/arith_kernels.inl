@@ -7,7 +7,6 @@
 // data that need more than one operation per result go through double
 // vectors and are rounded once, which is what makes every ISA agree.
 #include <cstddef>
-#include <cstring>
 
 #include "vector/arith.hpp"
 #include "vector/simd.inl"
@@ -77,17 +76,20 @@ VEK_ELEMENT V element_vec(CplxDouble v) {
 // its first element, so that it gets the same arithmetic as the rest and
 // the padding cannot raise a flag that the data would not.
 
+// The last partial vector at p (r elements), padded with repeats of its
+// first element.
 template <int kPair, class S>
-VEK_ELEMENT void load_tail(S* t, const S* p, std::ptrdiff_t r) {
-    std::memcpy(t, p, std::size_t(r) * sizeof(S));
-    for (int j = r; j < lanes<S>(); ++j) t[j] = t[j % kPair];
+VEK_ELEMENT Vec<S> load_tail(const S* p, int r) {
+    using V = Vec<S>;
+    return load_part(p, r, kPair == 1 ? splat<V>(p[0]) : pairs<V>(p[0], p[1]));
 }
 
 template <int kPair, class S, class F>
 VEK_ELEMENT void map1(const S* a, S* d, std::ptrdiff_t n, F f) {
     using V = Vec<S>;
     constexpr int L = lanes<S>();
-    std::ptrdiff_t i = 0;
+    std::ptrdiff_t i = head_count<kPair>(d, n);
+    if (i) store_part(d, f(load_tail<kPair>(a, int(i))), int(i));
     for (; i + 2 * L <= n; i += 2 * L) {
         const V x0 = vload<V>(a + i), x1 = vload<V>(a + i + L);
         vstore(d + i, f(x0));
@@ -97,19 +99,15 @@ VEK_ELEMENT void map1(const S* a, S* d, std::ptrdiff_t n, F f) {
         vstore(d + i, f(vload<V>(a + i)));
         i += L;
     }
-    if (i < n) {
-        S ta[L];
-        load_tail<kPair>(ta, a + i, n - i);
-        vstore(ta, f(vload<V>(ta)));
-        std::memcpy(d + i, ta, std::size_t(n - i) * sizeof(S));
-    }
+    if (i < n) store_part(d + i, f(load_tail<kPair>(a + i, int(n - i))), int(n - i));
 }
 
 template <int kPair, class S, class F>
 VEK_ELEMENT void map2(const S* a, const S* b, S* d, std::ptrdiff_t n, F f) {
     using V = Vec<S>;
     constexpr int L = lanes<S>();
-    std::ptrdiff_t i = 0;
+    std::ptrdiff_t i = head_count<kPair>(d, n);
+    if (i) store_part(d, f(load_tail<kPair>(a, int(i)), load_tail<kPair>(b, int(i))), int(i));
     for (; i + 2 * L <= n; i += 2 * L) {
         const V x0 = vload<V>(a + i), x1 = vload<V>(a + i + L);
         const V y0 = vload<V>(b + i), y1 = vload<V>(b + i + L);
@@ -121,11 +119,8 @@ VEK_ELEMENT void map2(const S* a, const S* b, S* d, std::ptrdiff_t n, F f) {
         i += L;
     }
     if (i < n) {
-        S ta[L], tb[L];
-        load_tail<kPair>(ta, a + i, n - i);
-        load_tail<kPair>(tb, b + i, n - i);
-        vstore(ta, f(vload<V>(ta), vload<V>(tb)));
-        std::memcpy(d + i, ta, std::size_t(n - i) * sizeof(S));
+        const int r = int(n - i);
+        store_part(d + i, f(load_tail<kPair>(a + i, r), load_tail<kPair>(b + i, r)), r);
     }
 }
 
@@ -259,13 +254,10 @@ void k_set(T val, T* d, int n) {
     const V v = element_vec<V>(val);
     S* p = scalars(d);
     const std::ptrdiff_t m = std::ptrdiff_t(n) * P;
-    std::ptrdiff_t i = 0;
+    std::ptrdiff_t i = head_count<P>(p, m);
+    if (i) store_part(p, v, int(i));
     for (; i + L <= m; i += L) vstore(p + i, v);
-    if (i < m) {
-        S t[L];
-        vstore(t, v);
-        std::memcpy(p + i, t, std::size_t(m - i) * sizeof(S));
-    }
+    if (i < m) store_part(p + i, v, int(m - i));
 }
 
 template <class T>

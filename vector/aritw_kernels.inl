@@ -20,10 +20,17 @@ using Index = std::ptrdiff_t;
 
 // ------------------------------------------------------------ second operands
 
+// The last r (< lanes) lanes at p, padded with repeats of the first pair,
+// which overflows only if the data do.
+VEK_ELEMENT VS tail(const W* p, Index r) {
+    return load_part(p, int(r), r > 1 ? pairs<VS, W>(p[0], p[1]) : splat<VS>(p[0]));
+}
+
 // An array of 16-bit lanes.
 struct ArrayB {
     const W* p;
     VS vec(Index i) const { return vload<VS>(p + i); }
+    VS tail(Index i, Index r) const { return VEK_ISA::tail(p + i, r); }
     std::int32_t at(Index i) const { return p[i]; }
 };
 
@@ -33,6 +40,7 @@ struct RepeatB {
     W even, odd;
     RepeatB(W e, W o) : v(pairs<VS, W>(e, o)), even(e), odd(o) {}
     VS vec(Index) const { return v; }
+    VS tail(Index, Index) const { return v; }
     std::int32_t at(Index i) const { return (i & 1) ? odd : even; }
 };
 
@@ -77,88 +85,6 @@ struct MpyOp {
     }
 };
 
-// Stored results that fitted, shifted right by s once an overflow chose s.
-VEK_ELEMENT void shift_stored(W* d, Index count, int s) {
-    for (Index j = 0; j < count; ++j) d[j] = W(d[j] >> s);
-}
-
-// Mode 4 on lanes: one pass while every result fits; at the first one that
-// does not, s is 1 for sums and, for products, grows over the remaining
-// results until each of them fits after the shift.
-template <class Op, class B>
-void auto_lanes(const W* a, B b, W* d, Index n, int* factor) {
-    constexpr int L = lanes<W>();
-    Index i = 0;
-    for (; i + L <= n; i += L) {
-        VS w;
-        if (any(Op::overflow(vload<VS>(a + i), b.vec(i), w))) break;
-        vstore(d + i, w);
-    }
-    for (; i < n; ++i) {
-        const std::int64_t r = Op::exact(a[i], b.at(i));
-        if (!fits16(r)) break;
-        d[i] = W(r);
-    }
-    if (i == n) {
-        *factor = 0;
-        return;
-    }
-    int s = 1;
-    if (Op::kProduct) {
-        for (Index j = i; j < n; ++j) {
-            const std::int64_t r = Op::exact(a[j], b.at(j));
-            while (!fits16(r >> s)) ++s;
-        }
-    }
-    shift_stored(d, i, s);
-    for (Index j = i; j < n; ++j) d[j] = W(Op::exact(a[j], b.at(j)) >> s);
-    *factor = s;
-}
-
-template <class Op, class B>
-void lanes16(const W* a, B b, W* d, Index n, int mode, int* factor) {
-    constexpr int L = lanes<W>();
-    Index i = 0;
-    switch (mode) {
-        case VEK_NO_SCALE:
-            for (; i + 2 * L <= n; i += 2 * L) {
-                const VS x0 = vload<VS>(a + i), x1 = vload<VS>(a + i + L);
-                const VS y0 = b.vec(i), y1 = b.vec(i + L);
-                vstore(d + i, Op::wrap(x0, y0));
-                vstore(d + i + L, Op::wrap(x1, y1));
-            }
-            for (; i + L <= n; i += L) vstore(d + i, Op::wrap(vload<VS>(a + i), b.vec(i)));
-            for (; i < n; ++i) d[i] = wrap16(Op::exact(a[i], b.at(i)));
-            return;
-        case VEK_SATURATE:
-            for (; i + 2 * L <= n; i += 2 * L) {
-                const VS x0 = vload<VS>(a + i), x1 = vload<VS>(a + i + L);
-                const VS y0 = b.vec(i), y1 = b.vec(i + L);
-                vstore(d + i, Op::sat(x0, y0));
-                vstore(d + i + L, Op::sat(x1, y1));
-            }
-            for (; i + L <= n; i += L) vstore(d + i, Op::sat(vload<VS>(a + i), b.vec(i)));
-            for (; i < n; ++i) d[i] = sat16(Op::exact(a[i], b.at(i)));
-            return;
-        case VEK_AUTO_SCALE:
-            auto_lanes<Op>(a, b, d, n, factor);
-            return;
-        case VEK_FIXED_SCALE | VEK_SATURATE: {
-            const int f = fixed_factor(factor);
-            for (; i < n; ++i) {
-                const std::int64_t r = Op::exact(a[i], b.at(i));
-                d[i] = Op::kProduct ? fixed_sat_product(r, f) : fixed_sat_sum(r, f);
-            }
-            return;
-        }
-        default: {  // 2, and every combination not named above
-            const int f = fixed_factor(factor);
-            for (; i < n; ++i) d[i] = fixed_wrap(Op::exact(a[i], b.at(i)), f);
-            return;
-        }
-    }
-}
-
 // ------------------------------------------------------------ complex products
 
 // Every 32-bit lane holds one CplxShort (re low, im high). re = ar br - ai bi
@@ -181,6 +107,27 @@ VEK_ELEMENT VI clamp16(VI x) {
 // INT32_MIN in an imaginary lane stands for +2^31.
 VEK_ELEMENT VI im_for_clamp(VI im) { return im == INT32_MIN ? INT32_MAX : im; }
 
+// Complex products as lane operations, like AddOp and friends; exact()
+// works on whole elements (see cmul_exact).
+struct CmulOp {
+    static VS wrap(VS a, VS b) {
+        VI re, im;
+        cmul16(a, b, re, im);
+        return pack_low(re, im);
+    }
+    static VS sat(VS a, VS b) {
+        VI re, im;
+        cmul16(a, b, re, im);
+        return pack_low(clamp16(re), clamp16(im_for_clamp(im)));
+    }
+    static VS overflow(VS a, VS b, VS& wrapped) {
+        VI re, im;
+        cmul16(a, b, re, im);
+        wrapped = pack_low(re, im);
+        return (VS)((re != clamp16(re)) | (im != clamp16(im)));
+    }
+};
+
 struct Cplx64 {
     std::int64_t re, im;
 };
@@ -191,16 +138,93 @@ VEK_ELEMENT Cplx64 cmul_exact(const W* a, B b, Index k) {
     return Cplx64{ar * br - ai * bi, ai * br + ar * bi};
 }
 
+// ------------------------------------------------------------ loop drivers
+//
+// Lanes are handled in whole (re, im) pairs so that complex data keep their
+// layout: a first partial vector up to the destination's vector boundary
+// where that pays, two vectors a step, and a last partial vector.
+
+// d = g(a, b) on n lanes.
+template <class G, class B>
+VEK_ELEMENT void map_lanes(const W* a, B b, W* d, Index n, G g) {
+    constexpr int L = lanes<W>();
+    Index i = head_count<2>(d, n);
+    if (i) store_part(d, g(tail(a, i), b.tail(0, i)), int(i));
+    for (; i + 2 * L <= n; i += 2 * L) {
+        const VS x0 = vload<VS>(a + i), x1 = vload<VS>(a + i + L);
+        const VS y0 = b.vec(i), y1 = b.vec(i + L);
+        vstore(d + i, g(x0, y0));
+        vstore(d + i + L, g(x1, y1));
+    }
+    if (i + L <= n) {
+        vstore(d + i, g(vload<VS>(a + i), b.vec(i)));
+        i += L;
+    }
+    if (i < n) store_part(d + i, g(tail(a + i, n - i), b.tail(i, n - i)), int(n - i));
+}
+
+// The single pass of mode 4: stores wrapped results while every vector of
+// them fits. Returns the lane where a vector with an overflow begins (the
+// results from there on are not stored), or n.
+template <class Op, class B>
+VEK_ELEMENT Index fitting_prefix(const W* a, B b, W* d, Index n) {
+    constexpr int L = lanes<W>();
+    VS w;
+    Index i = head_count<2>(d, n);
+    if (i) {
+        if (any(Op::overflow(tail(a, i), b.tail(0, i), w))) return 0;
+        store_part(d, w, int(i));
+    }
+    for (; i + L <= n; i += L) {
+        if (any(Op::overflow(vload<VS>(a + i), b.vec(i), w))) return i;
+        vstore(d + i, w);
+    }
+    if (i < n) {
+        if (any(Op::overflow(tail(a + i, n - i), b.tail(i, n - i), w))) return i;
+        store_part(d + i, w, int(n - i));
+    }
+    return n;
+}
+
+// Stored results that fitted, shifted right by s once an overflow chose s.
+VEK_ELEMENT void shift_stored(W* d, Index count, int s) {
+    for (Index j = 0; j < count; ++j) d[j] = W(d[j] >> s);
+}
+
+// ------------------------------------------------------------ the modes
+
+// Mode 4 on lanes: one pass while every result fits; at the first one that
+// does not, s is 1 for sums and, for products, grows over the remaining
+// results until each of them fits after the shift. The results already
+// stored are then shifted in place.
+template <class Op, class B>
+void auto_lanes(const W* a, B b, W* d, Index n, int* factor) {
+    Index i = fitting_prefix<Op>(a, b, d, n);
+    for (; i < n; ++i) {
+        const std::int64_t r = Op::exact(a[i], b.at(i));
+        if (!fits16(r)) break;
+        d[i] = W(r);
+    }
+    if (i == n) {
+        *factor = 0;
+        return;
+    }
+    int s = 1;
+    if (Op::kProduct) {
+        for (Index j = i; j < n; ++j) {
+            const std::int64_t r = Op::exact(a[j], b.at(j));
+            while (!fits16(r >> s)) ++s;
+        }
+    }
+    shift_stored(d, i, s);
+    for (Index j = i; j < n; ++j) d[j] = W(Op::exact(a[j], b.at(j)) >> s);
+    *factor = s;
+}
+
+// The same for complex products, element by element (both parts must fit).
 template <class B>
 void auto_cmul(const W* a, B b, W* d, Index n, int* factor) {
-    constexpr int C = lanes<std::int32_t>();  // complex values per vector
-    Index k = 0;
-    for (; k + C <= n; k += C) {
-        VI re, im;
-        cmul16(vload<VS>(a + 2 * k), b.vec(2 * k), re, im);
-        if (any((re != clamp16(re)) | (im != clamp16(im)))) break;
-        vstore(d + 2 * k, pack_low(re, im));
-    }
+    Index k = fitting_prefix<CmulOp>(a, b, d, 2 * n) / 2;
     for (; k < n; ++k) {
         const Cplx64 r = cmul_exact(a, b, k);
         if (!fits16(r.re) || !fits16(r.im)) break;
@@ -225,56 +249,50 @@ void auto_cmul(const W* a, B b, W* d, Index n, int* factor) {
     *factor = s;
 }
 
-// a and d hold n CplxShort as 2n lanes.
+// n lanes of a op b under the scale mode; modes are compared as values in
+// the order 0, 1, 4, 3, anything else.
+template <class Op, class B>
+void lanes16(const W* a, B b, W* d, Index n, int mode, int* factor) {
+    if (mode == VEK_NO_SCALE) {
+        map_lanes(a, b, d, n, [](VS x, VS y) { return Op::wrap(x, y); });
+    } else if (mode == VEK_SATURATE) {
+        map_lanes(a, b, d, n, [](VS x, VS y) { return Op::sat(x, y); });
+    } else if (mode == VEK_AUTO_SCALE) {
+        auto_lanes<Op>(a, b, d, n, factor);
+    } else if (mode == (VEK_FIXED_SCALE | VEK_SATURATE)) {
+        const int f = fixed_factor(factor);
+        for (Index i = 0; i < n; ++i) {
+            const std::int64_t r = Op::exact(a[i], b.at(i));
+            d[i] = Op::kProduct ? fixed_sat_product(r, f) : fixed_sat_sum(r, f);
+        }
+    } else {
+        const int f = fixed_factor(factor);
+        for (Index i = 0; i < n; ++i) d[i] = fixed_wrap(Op::exact(a[i], b.at(i)), f);
+    }
+}
+
+// n complex products (2n lanes) under the scale mode.
 template <class B>
 void cmul_lanes(const W* a, B b, W* d, Index n, int mode, int* factor) {
-    constexpr int C = lanes<std::int32_t>();
-    Index k = 0;
-    switch (mode) {
-        case VEK_NO_SCALE:
-            for (; k + C <= n; k += C) {
-                VI re, im;
-                cmul16(vload<VS>(a + 2 * k), b.vec(2 * k), re, im);
-                vstore(d + 2 * k, pack_low(re, im));
-            }
-            for (; k < n; ++k) {
-                const Cplx64 r = cmul_exact(a, b, k);
-                d[2 * k] = wrap16(r.re);
-                d[2 * k + 1] = wrap16(r.im);
-            }
-            return;
-        case VEK_SATURATE:
-            for (; k + C <= n; k += C) {
-                VI re, im;
-                cmul16(vload<VS>(a + 2 * k), b.vec(2 * k), re, im);
-                vstore(d + 2 * k, pack_low(clamp16(re), clamp16(im_for_clamp(im))));
-            }
-            for (; k < n; ++k) {
-                const Cplx64 r = cmul_exact(a, b, k);
-                d[2 * k] = sat16(r.re);
-                d[2 * k + 1] = sat16(r.im);
-            }
-            return;
-        case VEK_AUTO_SCALE:
-            auto_cmul(a, b, d, n, factor);
-            return;
-        case VEK_FIXED_SCALE | VEK_SATURATE: {
-            const int f = fixed_factor(factor);
-            for (; k < n; ++k) {
-                const Cplx64 r = cmul_exact(a, b, k);
-                d[2 * k] = fixed_sat_product(r.re, f);
-                d[2 * k + 1] = fixed_sat_product(r.im, f);
-            }
-            return;
+    if (mode == VEK_NO_SCALE) {
+        map_lanes(a, b, d, 2 * n, [](VS x, VS y) { return CmulOp::wrap(x, y); });
+    } else if (mode == VEK_SATURATE) {
+        map_lanes(a, b, d, 2 * n, [](VS x, VS y) { return CmulOp::sat(x, y); });
+    } else if (mode == VEK_AUTO_SCALE) {
+        auto_cmul(a, b, d, n, factor);
+    } else if (mode == (VEK_FIXED_SCALE | VEK_SATURATE)) {
+        const int f = fixed_factor(factor);
+        for (Index k = 0; k < n; ++k) {
+            const Cplx64 r = cmul_exact(a, b, k);
+            d[2 * k] = fixed_sat_product(r.re, f);
+            d[2 * k + 1] = fixed_sat_product(r.im, f);
         }
-        default: {
-            const int f = fixed_factor(factor);
-            for (; k < n; ++k) {
-                const Cplx64 r = cmul_exact(a, b, k);
-                d[2 * k] = fixed_wrap(r.re, f);
-                d[2 * k + 1] = fixed_wrap(r.im, f);
-            }
-            return;
+    } else {
+        const int f = fixed_factor(factor);
+        for (Index k = 0; k < n; ++k) {
+            const Cplx64 r = cmul_exact(a, b, k);
+            d[2 * k] = fixed_wrap(r.re, f);
+            d[2 * k + 1] = fixed_wrap(r.im, f);
         }
     }
 }
@@ -321,20 +339,9 @@ void v_set(CplxShort val, CplxShort* d, int n) {
 }
 
 void v_conj(const CplxShort* src, CplxShort* dst, int n) {
-    constexpr int L = lanes<W>();
-    const W* a = lanes_of(src);
-    W* d = lanes_of(dst);
-    const Index m = Index(n) * 2;
     const VS even = pairs<VS, W>(-1, 0);
-    Index i = 0;
-    for (; i + L <= m; i += L) {
-        const VS x = vload<VS>(a + i);
-        vstore(d + i, even ? x : subs16(VS{}, x));
-    }
-    for (; i < m; i += 2) {
-        d[i] = a[i];
-        d[i + 1] = sat16(-std::int32_t(a[i + 1]));
-    }
+    map_lanes(lanes_of(src), ArrayB{lanes_of(src)}, lanes_of(dst), Index(n) * 2,
+              [even](VS x, VS) { return even ? x : subs16(VS{}, x); });
 }
 
 const ShortKernels short_kernels = {

@@ -13,6 +13,7 @@
 #error "define VEK_ISA before including simd.inl"
 #endif
 
+#include <cstddef>
 #include <cstdint>
 
 #if defined(__SSE2__)
@@ -107,6 +108,61 @@ VEK_ELEMENT V pairs(S a, S b) {
 // All ones in even lanes (a mask for "real part" lanes of pair data).
 VEK_ELEMENT VL even_lanes_d() { return pairs<VL, std::int64_t>(-1, 0); }
 VEK_ELEMENT VI even_lanes_f() { return pairs<VI, std::int32_t>(-1, 0); }
+
+// The first r elements at p (0 < r < lanes), the other lanes taken from
+// pad; and the first r lanes of v stored at p. Nothing past p[r-1] is read
+// or written.
+#if VEK_SIMD_BYTES == 64
+VEK_ELEMENT VF load_part(const float* p, int r, VF pad) {
+    return (VF)_mm512_mask_loadu_ps((__m512)pad, __mmask16((1u << r) - 1), p);
+}
+VEK_ELEMENT VD load_part(const double* p, int r, VD pad) {
+    return (VD)_mm512_mask_loadu_pd((__m512d)pad, __mmask8((1u << r) - 1), p);
+}
+VEK_ELEMENT VS load_part(const std::int16_t* p, int r, VS pad) {
+    return (VS)_mm512_mask_loadu_epi16((__m512i)pad, __mmask32((1u << r) - 1), p);
+}
+VEK_ELEMENT void store_part(float* p, VF v, int r) {
+    _mm512_mask_storeu_ps(p, __mmask16((1u << r) - 1), (__m512)v);
+}
+VEK_ELEMENT void store_part(double* p, VD v, int r) {
+    _mm512_mask_storeu_pd(p, __mmask8((1u << r) - 1), (__m512d)v);
+}
+VEK_ELEMENT void store_part(std::int16_t* p, VS v, int r) {
+    _mm512_mask_storeu_epi16(p, __mmask32((1u << r) - 1), (__m512i)v);
+}
+#else
+template <class V, class S>
+VEK_ELEMENT V load_part(const S* p, int r, V pad) {
+    S t[sizeof(V) / sizeof(S)];
+    vstore(t, pad);
+    for (int j = 0; j < r; ++j) t[j] = p[j];
+    return vload<V>(t);
+}
+template <class V, class S>
+VEK_ELEMENT void store_part(S* p, V v, int r) {
+    S t[sizeof(V) / sizeof(S)];
+    vstore(t, v);
+    for (int j = 0; j < r; ++j) p[j] = t[j];
+}
+#endif
+
+// How many elements to handle before d reaches a vector boundary: stores
+// that straddle cache lines cost more than one masked store up front. Only
+// where masked stores are cheap (64-byte vectors), and only a whole number
+// of kPair-element groups (complex pairs must keep their lanes).
+template <int kPair, class S>
+VEK_ELEMENT std::ptrdiff_t head_count(const S* d, std::ptrdiff_t n) {
+#if VEK_SIMD_BYTES == 64
+    const std::size_t gap = (0 - reinterpret_cast<std::uintptr_t>(d)) % kVecBytes;
+    const std::ptrdiff_t h = std::ptrdiff_t(gap / sizeof(S));
+    return gap % (sizeof(S) * kPair) == 0 && h < n ? h : 0;
+#else
+    (void)d;
+    (void)n;
+    return 0;
+#endif
+}
 
 // ----------------------------------------------------------------- masks
 
