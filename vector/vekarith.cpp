@@ -18,34 +18,33 @@ using WithValue = void (*)(const T*, T, T*, int);
 // dst = dst op val
 template <class T>
 void form1(const Site& site, WithValue<T> kernel, T val, T* dst, int n) {
-    if (!vek::valid_args(site, n, "n<=0", {{dst, "dst==0"}})) return;
+    if (!vek::valid_args(site, n, "n<=0", dst, "dst==0")) return;
     kernel(dst, val, dst, n);
 }
 
 // dst = dst op src
 template <class T>
 void form2(const Site& site, Pairwise<T> kernel, const T* src, T* dst, int n) {
-    if (!vek::valid_args(site, n, "n<=0", {{src, "src==0"}, {dst, "dst==0"}})) return;
+    if (!vek::valid_args(site, n, "n<=0", src, "src==0", dst, "dst==0")) return;
     kernel(dst, src, dst, n);
 }
 
 // dst = srcA op srcB
 template <class T>
 void form3(const Site& site, Pairwise<T> kernel, const T* srcA, const T* srcB, T* dst, int n) {
-    if (!vek::valid_args(site, n, "n<=0", {{srcA, "srcA==0"}, {srcB, "srcB==0"}, {dst, "dst==0"}}))
-        return;
+    if (!vek::valid_args(site, n, "n<=0", srcA, "srcA==0", srcB, "srcB==0", dst, "dst==0")) return;
     kernel(srcA, srcB, dst, n);
 }
 
 template <class T>
 void zero(const Site& site, T* dst, int n) {
-    if (!vek::valid_args(site, n, "n<=0", {{dst, "dst==0"}})) return;
+    if (!vek::valid_args(site, n, "n<=0", dst, "dst==0")) return;
     std::memset(dst, 0, sizeof(T) * std::size_t(n));
 }
 
 template <class T>
 void set(const Site& site, void (*kernel)(T, T*, int), T val, T* dst, int n) {
-    if (!vek::valid_args(site, n, "n<=0", {{dst, "dst==0"}})) return;
+    if (!vek::valid_args(site, n, "n<=0", dst, "dst==0")) return;
     kernel(val, dst, n);
 }
 
@@ -53,7 +52,7 @@ void set(const Site& site, void (*kernel)(T, T*, int), T val, T* dst, int n) {
 // either side gets the source's old values.
 template <class T>
 void copy(const Site& site, const T* src, T* dst, int n) {
-    if (!vek::valid_args(site, n, "n<=0", {{src, "src==0"}, {dst, "dst==0"}})) return;
+    if (!vek::valid_args(site, n, "n<=0", src, "src==0", dst, "dst==0")) return;
     std::memmove(dst, src, sizeof(T) * std::size_t(n));
 }
 

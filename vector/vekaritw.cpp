@@ -29,7 +29,7 @@ using WithValue = void (*)(const T*, T, T*, int, int, int*);
 template <class T>
 void form1(const Site& site, WithValue<T> kernel, T val, T* dst, int n, int scaleMode,
            int* scaleFactor) {
-    if (!vek::valid_args(site, n, "n<=0", {{dst, "dst==0"}})) return;
+    if (!vek::valid_args(site, n, "n<=0", dst, "dst==0")) return;
     if (!factor_ok(site, scaleMode, scaleFactor)) return;
     kernel(dst, val, dst, n, scaleMode, scaleFactor);
 }
@@ -37,7 +37,7 @@ void form1(const Site& site, WithValue<T> kernel, T val, T* dst, int n, int scal
 template <class T>
 void form2(const Site& site, Pairwise<T> kernel, const T* src, T* dst, int n, int scaleMode,
            int* scaleFactor) {
-    if (!vek::valid_args(site, n, "n<=0", {{src, "src==0"}, {dst, "dst==0"}})) return;
+    if (!vek::valid_args(site, n, "n<=0", src, "src==0", dst, "dst==0")) return;
     if (!factor_ok(site, scaleMode, scaleFactor)) return;
     kernel(dst, src, dst, n, scaleMode, scaleFactor);
 }
@@ -45,28 +45,27 @@ void form2(const Site& site, Pairwise<T> kernel, const T* src, T* dst, int n, in
 template <class T>
 void form3(const Site& site, Pairwise<T> kernel, const T* srcA, const T* srcB, T* dst, int n,
            int scaleMode, int* scaleFactor) {
-    if (!vek::valid_args(site, n, "n<=0", {{srcA, "srcA==0"}, {srcB, "srcB==0"}, {dst, "dst==0"}}))
-        return;
+    if (!vek::valid_args(site, n, "n<=0", srcA, "srcA==0", srcB, "srcB==0", dst, "dst==0")) return;
     if (!factor_ok(site, scaleMode, scaleFactor)) return;
     kernel(srcA, srcB, dst, n, scaleMode, scaleFactor);
 }
 
 template <class T>
 void zero(const Site& site, T* dst, int n) {
-    if (!vek::valid_args(site, n, "n<=0", {{dst, "dst==0"}})) return;
+    if (!vek::valid_args(site, n, "n<=0", dst, "dst==0")) return;
     std::memset(dst, 0, sizeof(T) * std::size_t(n));
 }
 
 template <class T>
 void set(const Site& site, void (*kernel)(T, T*, int), T val, T* dst, int n) {
-    if (!vek::valid_args(site, n, "n<=0", {{dst, "dst==0"}})) return;
+    if (!vek::valid_args(site, n, "n<=0", dst, "dst==0")) return;
     kernel(val, dst, n);
 }
 
 // As if through a temporary, like the floating-point copies.
 template <class T>
 void copy(const Site& site, const T* src, T* dst, int n) {
-    if (!vek::valid_args(site, n, "n<=0", {{src, "src==0"}, {dst, "dst==0"}})) return;
+    if (!vek::valid_args(site, n, "n<=0", src, "src==0", dst, "dst==0")) return;
     std::memmove(dst, src, sizeof(T) * std::size_t(n));
 }
 
@@ -204,17 +203,17 @@ VEK_API void vekvbMpy3(const CplxShort* srcA, const CplxShort* srcB, CplxShort* 
 
 VEK_API void vekvbConj1(CplxShort* vec, int n) {
     VEK_SITE(VEK_MODULE);
-    if (vek::valid_args(site, n, "n<=0", {{vec, "vec==0"}})) vek::aritw().v_conj(vec, vec, n);
+    if (vek::valid_args(site, n, "n<=0", vec, "vec==0")) vek::aritw().v_conj(vec, vec, n);
 }
 VEK_API void vekvbConj2(const CplxShort* src, CplxShort* dst, int n) {
     VEK_SITE(VEK_MODULE);
-    if (vek::valid_args(site, n, "n<=0", {{src, "src==0"}, {dst, "dst==0"}}))
+    if (vek::valid_args(site, n, "n<=0", src, "src==0", dst, "dst==0"))
         vek::aritw().v_conj(src, dst, n);
 }
 // dst[i] = conj(src[n-1-i]); src may be dst.
 VEK_API void vekvbConjFlip2(const CplxShort* src, CplxShort* dst, int n) {
     VEK_SITE(VEK_MODULE);
-    if (!vek::valid_args(site, n, "n<=0", {{src, "src==0"}, {dst, "dst==0"}})) return;
+    if (!vek::valid_args(site, n, "n<=0", src, "src==0", dst, "dst==0")) return;
     for (int i = 0, j = n - 1; i <= j; ++i, --j) {
         const CplxShort lo = src[i], hi = src[j];
         dst[i] = conj(hi);
@@ -223,11 +222,11 @@ VEK_API void vekvbConjFlip2(const CplxShort* src, CplxShort* dst, int n) {
 }
 VEK_API void vekvbConjExtend1(CplxShort* vec, int n) {
     VEK_SITE(VEK_MODULE);
-    if (vek::valid_args(site, n, "n<=0", {{vec, "vec==0"}})) extend(vec, n);
+    if (vek::valid_args(site, n, "n<=0", vec, "vec==0")) extend(vec, n);
 }
 VEK_API void vekvbConjExtend2(const CplxShort* src, CplxShort* dst, int n) {
     VEK_SITE(VEK_MODULE);
-    if (!vek::valid_args(site, n, "n<=0", {{src, "src==0"}, {dst, "dst==0"}})) return;
+    if (!vek::valid_args(site, n, "n<=0", src, "src==0", dst, "dst==0")) return;
     std::memmove(dst, src, sizeof(CplxShort) * std::size_t(n / 2 + 1));
     extend(dst, n);
 }

@@ -8,7 +8,7 @@ namespace {
 template <class T, class R>
 void normalize(const vek::Site& site, void (*kernel)(const T*, T*, int, T, R), const T* src, T* dst,
                int n, T offset, R factor) {
-    if (!vek::valid_args(site, n, "n<=0", {{src, "src==0"}, {dst, "dst==0"}})) return;
+    if (!vek::valid_args(site, n, "n<=0", src, "src==0", dst, "dst==0")) return;
     if (factor == 0) {
         site.bad("factor == 0");
         return;

@@ -10,10 +10,10 @@ using vek::Site;
 
 // The leading checks of the in-place and the two-operand forms.
 bool in_place_ok(const Site& site, const void* vec, int len) {
-    return vek::valid_args(site, len, "len<=0", {{vec, "vec==0"}});
+    return vek::valid_args(site, len, "len<=0", vec, "vec==0");
 }
 bool two_operand_ok(const Site& site, const void* src, const void* dst, int len) {
-    return vek::valid_args(site, len, "len<=0", {{src, "src==0"}, {dst, "dst==0"}});
+    return vek::valid_args(site, len, "len<=0", src, "src==0", dst, "dst==0");
 }
 
 template <class T>
