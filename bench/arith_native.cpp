@@ -33,7 +33,8 @@ void z_mpy3(const CplxDouble* a, const CplxDouble* b, CplxDouble* d, int n) {
     }
 }
 
-// Negative elements leave their destination alone and are counted.
+// Negative elements leave their destination alone and are counted. (GCC 12
+// keeps this loop scalar, with or without -fno-math-errno.)
 bool d_sqrt2(const double* s, double* d, int n) {
     bool negative = false;
     for (int i = 0; i < n; ++i) {
