@@ -93,9 +93,12 @@ VEK_ELEMENT void vstore(S* p, V v) {
     __builtin_memcpy(p, &v, sizeof v);
 }
 
+// Every lane s (by assignment: 0 + s would turn -0.0 into +0.0).
 template <class V, class S>
 VEK_ELEMENT V splat(S s) {
-    return V{} + s;
+    V v{};
+    for (int i = 0; i < int(sizeof(V) / sizeof(v[0])); ++i) v[i] = s;
+    return v;
 }
 
 // A vector repeating the pair (a, b): a in even lanes, b in odd lanes.
