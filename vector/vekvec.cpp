@@ -26,7 +26,7 @@ void root(const Site& site, Root<T> kernel, const T* src, T* dst, int len) {
 }
 
 template <class T, class R>
-void thresh(const Site& site, const vek::FloatKernels<T, R>& k, const T* src, T* dst, int len,
+void threshold(const Site& site, const vek::FloatKernels<T, R>& k, const T* src, T* dst, int len,
             R value, int relOp, const char* negativeMessage) {
     if (negativeMessage && value < 0) {
         site.bad(negativeMessage);
@@ -134,43 +134,43 @@ VEK_API void vekzbSqrt2(const CplxDouble* src, CplxDouble* dst, int len) {
 VEK_API void veksbThresh1(float* vec, int len, float thresh, int relOp) {
     VEK_SITE(VEK_MODULE);
     if (in_place_ok(site, vec, len))
-        ::thresh(site, vek::arith().s, vec, vec, len, thresh, relOp, nullptr);
+        threshold(site, vek::arith().s, vec, vec, len, thresh, relOp, nullptr);
 }
 VEK_API void veksbThresh2(const float* src, float* dst, int len, float thresh, int relOp) {
     VEK_SITE(VEK_MODULE);
     if (two_operand_ok(site, src, dst, len))
-        ::thresh(site, vek::arith().s, src, dst, len, thresh, relOp, nullptr);
+        threshold(site, vek::arith().s, src, dst, len, thresh, relOp, nullptr);
 }
 VEK_API void vekdbThresh1(double* vec, int len, double thresh, int relOp) {
     VEK_SITE(VEK_MODULE);
     if (in_place_ok(site, vec, len))
-        ::thresh(site, vek::arith().d, vec, vec, len, thresh, relOp, nullptr);
+        threshold(site, vek::arith().d, vec, vec, len, thresh, relOp, nullptr);
 }
 VEK_API void vekdbThresh2(const double* src, double* dst, int len, double thresh, int relOp) {
     VEK_SITE(VEK_MODULE);
     if (two_operand_ok(site, src, dst, len))
-        ::thresh(site, vek::arith().d, src, dst, len, thresh, relOp, nullptr);
+        threshold(site, vek::arith().d, src, dst, len, thresh, relOp, nullptr);
 }
 VEK_API void vekcbThresh1(CplxFloat* vec, int len, float thresh, int relOp) {
     VEK_SITE(VEK_MODULE);
     if (in_place_ok(site, vec, len))
-        ::thresh(site, vek::arith().c, vec, vec, len, thresh, relOp, "thresh<0.0f");
+        threshold(site, vek::arith().c, vec, vec, len, thresh, relOp, "thresh<0.0f");
 }
 VEK_API void vekcbThresh2(const CplxFloat* src, CplxFloat* dst, int len, float thresh, int relOp) {
     VEK_SITE(VEK_MODULE);
     if (two_operand_ok(site, src, dst, len))
-        ::thresh(site, vek::arith().c, src, dst, len, thresh, relOp, "thresh<0.0f");
+        threshold(site, vek::arith().c, src, dst, len, thresh, relOp, "thresh<0.0f");
 }
 VEK_API void vekzbThresh1(CplxDouble* vec, int len, double thresh, int relOp) {
     VEK_SITE(VEK_MODULE);
     if (in_place_ok(site, vec, len))
-        ::thresh(site, vek::arith().z, vec, vec, len, thresh, relOp, "thresh<0.0");
+        threshold(site, vek::arith().z, vec, vec, len, thresh, relOp, "thresh<0.0");
 }
 VEK_API void vekzbThresh2(const CplxDouble* src, CplxDouble* dst, int len, double thresh,
                           int relOp) {
     VEK_SITE(VEK_MODULE);
     if (two_operand_ok(site, src, dst, len))
-        ::thresh(site, vek::arith().z, src, dst, len, thresh, relOp, "thresh<0.0");
+        threshold(site, vek::arith().z, src, dst, len, thresh, relOp, "thresh<0.0");
 }
 
 // ---------------------------------------------------------------- inverse thresholds
