@@ -454,7 +454,7 @@ TEST(RealThresh, BothSidesKeepEqualElements) {
             EXPECT_EQ(d[i], c.want[i]);
         }
     }
-    float v[3] = {-1, 0, 2};  // the documented example
+    float v[3] = {-1, 0, 2};  // zero raises negatives to 0
     veksbThresh1(v, 3, 0, 0);
     EXPECT_TRUE(v[0] == 0 && v[1] == 0 && v[2] == 2);
 }
@@ -531,7 +531,7 @@ TYPED_TEST(FloatArith, InverseThreshold) {
     EXPECT_TRUE(near(w_out[1], LC(0.125, 0), 0, 1));
 }
 
-TEST(RealInvThresh, DocumentedExamples) {
+TEST(RealInvThresh, SmallHandComputedCases) {
     float a[3] = {0.5f, -0.5f, 4};
     veksbInvThresh1(a, 3, 1);
     EXPECT_TRUE(a[0] == 1 && a[1] == -1 && a[2] == 0.25f);

@@ -238,7 +238,7 @@ TEST(ScaleModes, EveryFormModeAndFactorMatchesTheRules) {
     }
 }
 
-TEST(ScaleModes, DocumentedExamples) {
+TEST(ScaleModes, SmallHandComputedCases) {
     int f = 7;
     short x[3] = {100, -7, 32767};
     vekwbAdd1(1, x, 3, VEK_AUTO_SCALE, &f);  // the last sum overflows: all halved
