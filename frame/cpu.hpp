@@ -8,6 +8,10 @@
 
 #include <atomic>
 
+// Helpers that per-ISA kernels inline: each translation unit keeps its own
+// copy, so no out-of-line copy built for one ISA can be shared with another.
+#define VEK_ELEMENT static inline __attribute__((always_inline))
+
 namespace vek {
 
 enum Isa : int { kIsaSse2 = 0, kIsaAvx2 = 1, kIsaAvx512 = 2, kIsaCount = 3 };

@@ -81,7 +81,7 @@ VEK_ELEMENT V element_vec(CplxDouble v) {
 template <int kPair, class S>
 VEK_ELEMENT Vec<S> load_tail(const S* p, int r) {
     using V = Vec<S>;
-    return load_part(p, r, kPair == 1 ? splat<V>(p[0]) : pairs<V>(p[0], p[1]));
+    return load_first(p, r, kPair == 1 ? splat<V>(p[0]) : pairs<V>(p[0], p[1]));
 }
 
 template <int kPair, class S, class F>
@@ -89,17 +89,17 @@ VEK_ELEMENT void map1(const S* a, S* d, std::ptrdiff_t n, F f) {
     using V = Vec<S>;
     constexpr int L = lanes<S>();
     std::ptrdiff_t i = head_count<kPair>(d, n);
-    if (i) store_part(d, f(load_tail<kPair>(a, int(i))), int(i));
+    if (i) store_first(d, f(load_tail<kPair>(a, int(i))), int(i));
     for (; i + 2 * L <= n; i += 2 * L) {
-        const V x0 = vload<V>(a + i), x1 = vload<V>(a + i + L);
-        vstore(d + i, f(x0));
-        vstore(d + i + L, f(x1));
+        const V x0 = load<V>(a + i), x1 = load<V>(a + i + L);
+        store(d + i, f(x0));
+        store(d + i + L, f(x1));
     }
     if (i + L <= n) {
-        vstore(d + i, f(vload<V>(a + i)));
+        store(d + i, f(load<V>(a + i)));
         i += L;
     }
-    if (i < n) store_part(d + i, f(load_tail<kPair>(a + i, int(n - i))), int(n - i));
+    if (i < n) store_first(d + i, f(load_tail<kPair>(a + i, int(n - i))), int(n - i));
 }
 
 template <int kPair, class S, class F>
@@ -107,20 +107,20 @@ VEK_ELEMENT void map2(const S* a, const S* b, S* d, std::ptrdiff_t n, F f) {
     using V = Vec<S>;
     constexpr int L = lanes<S>();
     std::ptrdiff_t i = head_count<kPair>(d, n);
-    if (i) store_part(d, f(load_tail<kPair>(a, int(i)), load_tail<kPair>(b, int(i))), int(i));
+    if (i) store_first(d, f(load_tail<kPair>(a, int(i)), load_tail<kPair>(b, int(i))), int(i));
     for (; i + 2 * L <= n; i += 2 * L) {
-        const V x0 = vload<V>(a + i), x1 = vload<V>(a + i + L);
-        const V y0 = vload<V>(b + i), y1 = vload<V>(b + i + L);
-        vstore(d + i, f(x0, y0));
-        vstore(d + i + L, f(x1, y1));
+        const V x0 = load<V>(a + i), x1 = load<V>(a + i + L);
+        const V y0 = load<V>(b + i), y1 = load<V>(b + i + L);
+        store(d + i, f(x0, y0));
+        store(d + i + L, f(x1, y1));
     }
     if (i + L <= n) {
-        vstore(d + i, f(vload<V>(a + i), vload<V>(b + i)));
+        store(d + i, f(load<V>(a + i), load<V>(b + i)));
         i += L;
     }
     if (i < n) {
         const int r = int(n - i);
-        store_part(d + i, f(load_tail<kPair>(a + i, r), load_tail<kPair>(b + i, r)), r);
+        store_first(d + i, f(load_tail<kPair>(a + i, r), load_tail<kPair>(b + i, r)), r);
     }
 }
 
@@ -132,7 +132,7 @@ VEK_ELEMENT VD in_double(VD x, G g) {
 }
 template <class G>
 VEK_ELEMENT VF in_double(VF x, G g) {
-    return to_ps(g(lo_pd(x)), g(hi_pd(x)));
+    return to_floats(g(widen_lo(x)), g(widen_hi(x)));
 }
 template <class G>
 VEK_ELEMENT VD in_double(VD x, VD y, G g) {
@@ -140,13 +140,16 @@ VEK_ELEMENT VD in_double(VD x, VD y, G g) {
 }
 template <class G>
 VEK_ELEMENT VF in_double(VF x, VF y, G g) {
-    return to_ps(g(lo_pd(x), lo_pd(y)), g(hi_pd(x), hi_pd(y)));
+    return to_floats(g(widen_lo(x), widen_lo(y)), g(widen_hi(x), widen_hi(y)));
 }
 
 // ------------------------------------------------------------ complex pairs
 
-VEK_ELEMENT VD negate_even(VD x) { return (VD)((VL)x ^ pairs<VL, std::int64_t>(INT64_MIN, 0)); }
-VEK_ELEMENT VD conj_pairs(VD x) { return (VD)((VL)x ^ pairs<VL, std::int64_t>(0, INT64_MIN)); }
+// All ones in the even (real part) lanes.
+VEK_ELEMENT VL even_lanes() { return pairs<VL>(-1, 0); }
+
+VEK_ELEMENT VD negate_even(VD x) { return (VD)((VL)x ^ pairs<VL>(INT64_MIN, 0)); }
+VEK_ELEMENT VD conj_pairs(VD x) { return (VD)((VL)x ^ pairs<VL>(0, INT64_MIN)); }
 
 // (xr yr - xi yi, xi yr + xr yi) per pair.
 VEK_ELEMENT VD cmul(VD x, VD y) {
@@ -165,7 +168,7 @@ VEK_ELEMENT VD norm_pairs(VD x) {
 // ((re - im)(re + im), re im 2).
 VEK_ELEMENT VD csqr(VD x) {
     const VD re = dup_even(x), im = dup_odd(x);
-    return even_lanes_d() ? (re - im) * (re + im) : re * im * 2.0;
+    return even_lanes() ? (re - im) * (re + im) : re * im * 2.0;
 }
 
 // Principal square root: t = sqrt((|re| + |x|) / 2); re >= 0 gives
@@ -180,7 +183,7 @@ VEK_ELEMENT VD csqrt(VD x) {
     const VD mag = big * vsqrt(1.0 + ratio * ratio);
     const VD t = vsqrt(ar * 0.5 + mag * 0.5);
     const VD q = t == 0.0 ? VD{} : im / (t + t);
-    const auto even = even_lanes_d();
+    const auto even = even_lanes();
     const VD pos = even ? t : q;
     const VD neg = even ? vabs(q) : with_sign_of(t, im);
     const VD r = re >= 0.0 ? pos : neg;
@@ -255,9 +258,9 @@ void k_set(T val, T* d, int n) {
     S* p = scalars(d);
     const std::ptrdiff_t m = std::ptrdiff_t(n) * P;
     std::ptrdiff_t i = head_count<P>(p, m);
-    if (i) store_part(p, v, int(i));
-    for (; i + L <= m; i += L) vstore(p + i, v);
-    if (i < m) store_part(p + i, v, int(m - i));
+    if (i) store_first(p, v, int(i));
+    for (; i + L <= m; i += L) store(p + i, v);
+    if (i < m) store_first(p + i, v, int(m - i));
 }
 
 template <class T>

@@ -23,13 +23,13 @@ using Index = std::ptrdiff_t;
 // The last r (< lanes) lanes at p, padded with repeats of the first pair,
 // which overflows only if the data do.
 VEK_ELEMENT VS tail(const W* p, Index r) {
-    return load_part(p, int(r), r > 1 ? pairs<VS, W>(p[0], p[1]) : splat<VS>(p[0]));
+    return load_first(p, int(r), r > 1 ? pairs<VS>(p[0], p[1]) : splat<VS>(p[0]));
 }
 
 // An array of 16-bit lanes.
 struct ArrayB {
     const W* p;
-    VS vec(Index i) const { return vload<VS>(p + i); }
+    VS vec(Index i) const { return load<VS>(p + i); }
     VS tail(Index i, Index r) const { return VEK_ISA::tail(p + i, r); }
     std::int32_t at(Index i) const { return p[i]; }
 };
@@ -38,7 +38,7 @@ struct ArrayB {
 struct RepeatB {
     VS v;
     W even, odd;
-    RepeatB(W e, W o) : v(pairs<VS, W>(e, o)), even(e), odd(o) {}
+    RepeatB(W e, W o) : v(pairs<VS>(e, o)), even(e), odd(o) {}
     VS vec(Index) const { return v; }
     VS tail(Index, Index) const { return v; }
     std::int32_t at(Index i) const { return (i & 1) ? odd : even; }
@@ -93,8 +93,8 @@ struct MpyOp {
 // where the 32-bit lane reads INT32_MIN.
 VEK_ELEMENT void cmul16(VS a, VS b, VI& re, VI& im) {
     const VS b_not_im = (VS)((VI)b ^ std::int32_t(0xFFFF0000u));
-    re = (VI)((VU)madd16(a, b_not_im) + (VU)((VI)a >> 16));
-    im = madd16(a, swap16(b));
+    re = (VI)(madd16(a, b_not_im) + (VU)((VI)a >> 16));
+    im = (VI)madd16(a, swap16(b));
 }
 
 VEK_ELEMENT VS pack_low(VI re, VI im) { return (VS)(((VU)re & 0xFFFFu) | ((VU)im << 16)); }
@@ -149,18 +149,18 @@ template <class G, class B>
 VEK_ELEMENT void map_lanes(const W* a, B b, W* d, Index n, G g) {
     constexpr int L = lanes<W>();
     Index i = head_count<2>(d, n);
-    if (i) store_part(d, g(tail(a, i), b.tail(0, i)), int(i));
+    if (i) store_first(d, g(tail(a, i), b.tail(0, i)), int(i));
     for (; i + 2 * L <= n; i += 2 * L) {
-        const VS x0 = vload<VS>(a + i), x1 = vload<VS>(a + i + L);
+        const VS x0 = load<VS>(a + i), x1 = load<VS>(a + i + L);
         const VS y0 = b.vec(i), y1 = b.vec(i + L);
-        vstore(d + i, g(x0, y0));
-        vstore(d + i + L, g(x1, y1));
+        store(d + i, g(x0, y0));
+        store(d + i + L, g(x1, y1));
     }
     if (i + L <= n) {
-        vstore(d + i, g(vload<VS>(a + i), b.vec(i)));
+        store(d + i, g(load<VS>(a + i), b.vec(i)));
         i += L;
     }
-    if (i < n) store_part(d + i, g(tail(a + i, n - i), b.tail(i, n - i)), int(n - i));
+    if (i < n) store_first(d + i, g(tail(a + i, n - i), b.tail(i, n - i)), int(n - i));
 }
 
 // The single pass of mode 4: stores wrapped results while every vector of
@@ -173,15 +173,15 @@ VEK_ELEMENT Index fitting_prefix(const W* a, B b, W* d, Index n) {
     Index i = head_count<2>(d, n);
     if (i) {
         if (any(Op::overflow(tail(a, i), b.tail(0, i), w))) return 0;
-        store_part(d, w, int(i));
+        store_first(d, w, int(i));
     }
     for (; i + L <= n; i += L) {
-        if (any(Op::overflow(vload<VS>(a + i), b.vec(i), w))) return i;
-        vstore(d + i, w);
+        if (any(Op::overflow(load<VS>(a + i), b.vec(i), w))) return i;
+        store(d + i, w);
     }
     if (i < n) {
         if (any(Op::overflow(tail(a + i, n - i), b.tail(i, n - i), w))) return i;
-        store_part(d + i, w, int(n - i));
+        store_first(d + i, w, int(n - i));
     }
     return n;
 }
@@ -329,17 +329,17 @@ void v_with_val(const CplxShort* a, CplxShort val, CplxShort* d, int n, int mode
 VEK_ELEMENT void fill_lanes(W* d, Index n, VS v) {
     constexpr int L = lanes<W>();
     Index i = 0;
-    for (; i + L <= n; i += L) vstore(d + i, v);
+    for (; i + L <= n; i += L) store(d + i, v);
     for (; i < n; ++i) d[i] = v[i & 1];
 }
 
 void w_set(W val, W* d, int n) { fill_lanes(d, n, splat<VS>(val)); }
 void v_set(CplxShort val, CplxShort* d, int n) {
-    fill_lanes(lanes_of(d), Index(n) * 2, pairs<VS, W>(val.re, val.im));
+    fill_lanes(lanes_of(d), Index(n) * 2, pairs<VS>(val.re, val.im));
 }
 
 void v_conj(const CplxShort* src, CplxShort* dst, int n) {
-    const VS even = pairs<VS, W>(-1, 0);
+    const VS even = pairs<VS>(-1, 0);
     map_lanes(lanes_of(src), ArrayB{lanes_of(src)}, lanes_of(dst), Index(n) * 2,
               [even](VS x, VS) { return even ? x : subs16(VS{}, x); });
 }

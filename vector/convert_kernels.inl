@@ -8,11 +8,12 @@
 // out-of-range element to the element loop, so that reports come in index
 // order.
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <type_traits>
 
 #include "vector/convert.hpp"
-#include "vector/lanes.inl"
+#include "vector/simd.inl"
 
 namespace vek {
 namespace VEK_ISA {
@@ -173,32 +174,6 @@ void to_int_elements(const Real* src, Int* dst, int from, int to, int flags, con
     }
 }
 
-// 32-bit lanes narrowed to Int lanes, keeping the low bits.
-template <class Int, int N, class W>
-VEK_ELEMENT Vec<Int, N> narrow_lanes(W w) {
-    if constexpr (sizeof(Int) == 4) {
-        return w;
-    } else {
-#if defined(__AVX512F__)
-        if constexpr (N == 16) {
-            const __m512i x = reinterpret_cast<__m512i>(w);
-            if constexpr (sizeof(Int) == 2)
-                return reinterpret_cast<Vec<Int, N>>(_mm512_cvtepi32_epi16(x));
-            else
-                return reinterpret_cast<Vec<Int, N>>(_mm512_cvtepi32_epi8(x));
-        }
-        if constexpr (N == 8) {
-            const __m256i x = reinterpret_cast<__m256i>(w);
-            const __m128i r = sizeof(Int) == 2 ? _mm256_cvtepi32_epi16(x) : _mm256_cvtepi32_epi8(x);
-            Vec<Int, N> v;
-            std::memcpy(&v, &r, sizeof v);
-            return v;
-        }
-#endif
-        return __builtin_convertvector(w, Vec<Int, N>);
-    }
-}
-
 // N lanes within Int's range, rounded under Mode, as 32-bit integers.
 template <class Int, int Mode, int N, class V>
 VEK_ELEMENT Vec<Wide<Int>, N> rounded_lanes(V x) {
@@ -267,7 +242,7 @@ VEK_ELEMENT Vec<Int, N> saturated(V x, V lo, V hi) {
     auto w = rounded_lanes<Int, Mode, N>(x);
     if constexpr (upper_bound<Real, Int>() != Real(std::numeric_limits<Int>::max()))
         w = above ? splat<decltype(w)>(std::numeric_limits<Int>::max()) : w;
-    return narrow_lanes<Int, N>(w);
+    return narrow_wrap<Int, N>(w);
 }
 
 template <class Real, class Int, int Mode>
@@ -277,7 +252,7 @@ void to_int(const Real* src, void* dstv, int len, int flags, const Site& site) {
     using V = Vec<Real, N>;
     const V lo = splat<V>(lower_bound<Real, Int>()), hi = splat<V>(upper_bound<Real, Int>());
     constexpr unsigned long long kAll = (2ull << (N - 1)) - 1;
-    auto exact = [](V x) { return narrow_lanes<Int, N>(rounded_lanes<Int, Mode, N>(x)); };
+    auto exact = [](V x) { return narrow_wrap<Int, N>(rounded_lanes<Int, Mode, N>(x)); };
     int i = 0;
     if (flags & VEK_CvtReport) {
         // Reports come in index order from the element loop.

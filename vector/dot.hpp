@@ -2,7 +2,7 @@
 // the modules vekdotp and vekdotpw.
 //
 // Floating forms sum in a fixed layout of double-precision partial sums (see
-// sum_lanes in lanes.inl), so every path gives the same result. Complex
+// sum_lanes in fixed_sums.inl), so every path gives the same result. Complex
 // forms accumulate Σ re·re, Σ im·im, Σ re·im and Σ im·re separately and
 // combine them at the end; no operand is conjugated. 16-bit forms return the
 // exact sums modulo 2^32.

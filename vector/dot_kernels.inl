@@ -1,17 +1,16 @@
 // Dot-product kernels, compiled once per instruction set (VEK_ISA names it).
 #include "vector/dot.hpp"
-#include "vector/lanes.inl"
+#include "vector/fixed_sums.inl"
 
 namespace vek {
 namespace VEK_ISA {
 namespace {
 
-constexpr int kDoubles = kVecBytes / 8;  // double lanes per register
-using VD = Vec<double, kDoubles>;
+constexpr int kDoubles = lanes<double>();
 
 // Real streams of n terms a[i] b[i].
 float dot_s(const float* a, const float* b, int n) {
-    double lanes[1][kSumLanes];
+    double sums[1][kSumLanes];
     sum_lanes<1>(
         n,
         [&](VD(&acc)[1][kSumLanes / kDoubles], int r, std::ptrdiff_t at) {
@@ -22,29 +21,29 @@ float dot_s(const float* a, const float* b, int n) {
         [&](double(&l)[1][kSumLanes], int lane, std::ptrdiff_t i) {
             l[0][lane] += double(a[i]) * double(b[i]);
         },
-        lanes);
-    fold_lanes(lanes[0]);
-    return float(lanes[0][0]);
+        sums);
+    fold_lanes(sums[0]);
+    return float(sums[0][0]);
 }
 
 double dot_d(const double* a, const double* b, int n) {
-    double lanes[1][kSumLanes];
+    double sums[1][kSumLanes];
     sum_lanes<1>(
         n,
         [&](VD(&acc)[1][kSumLanes / kDoubles], int r, std::ptrdiff_t at) {
             acc[0][r] += load<VD>(a + at) * load<VD>(b + at);
         },
         [&](double(&l)[1][kSumLanes], int lane, std::ptrdiff_t i) { l[0][lane] += a[i] * b[i]; },
-        lanes);
-    fold_lanes(lanes[0]);
-    return lanes[0][0];
+        sums);
+    fold_lanes(sums[0]);
+    return sums[0][0];
 }
 
 // Complex streams, as 2n interleaved reals: set 0 gathers x[k] y[k] (even
 // terms re·re, odd terms im·im), set 1 gathers x[k] y[k ^ 1] (re·im, im·re).
 template <class T, class Result>
 Result dot_complex(const T* x, const T* y, int n) {
-    double lanes[2][kSumLanes];
+    double sums[2][kSumLanes];
     sum_lanes<2>(
         2 * std::ptrdiff_t(n),
         [&](VD(&acc)[2][kSumLanes / kDoubles], int r, std::ptrdiff_t at) {
@@ -65,18 +64,18 @@ Result dot_complex(const T* x, const T* y, int n) {
             l[0][lane] += double(x[i]) * double(y[i]);
             l[1][lane] += double(x[i]) * double(y[i ^ 1]);
         },
-        lanes);
-    fold_lanes(lanes[0], 2);
-    fold_lanes(lanes[1], 2);
+        sums);
+    fold_lanes(sums[0], 2);
+    fold_lanes(sums[1], 2);
     using Part = decltype(Result{}.re);
-    return Result{Part(lanes[0][0] - lanes[0][1]), Part(lanes[1][0] + lanes[1][1])};
+    return Result{Part(sums[0][0] - sums[0][1]), Part(sums[1][0] + sums[1][1])};
 }
 
 // Complex x by real y, as 2n interleaved reals x[k] y[k / 2]: even lanes
 // gather the real part, odd lanes the imaginary part.
 template <class T, class Result>
 Result dot_mixed(const T* x, const T* y, int n) {
-    double lanes[1][kSumLanes];
+    double sums[1][kSumLanes];
     sum_lanes<1>(
         2 * std::ptrdiff_t(n),
         [&](VD(&acc)[1][kSumLanes / kDoubles], int r, std::ptrdiff_t at) {
@@ -93,10 +92,10 @@ Result dot_mixed(const T* x, const T* y, int n) {
         [&](double(&l)[1][kSumLanes], int lane, std::ptrdiff_t i) {
             l[0][lane] += double(x[i]) * double(y[i / 2]);
         },
-        lanes);
-    fold_lanes(lanes[0], 2);
+        sums);
+    fold_lanes(sums[0], 2);
     using Part = decltype(Result{}.re);
-    return Result{Part(lanes[0][0]), Part(lanes[0][1])};
+    return Result{Part(sums[0][0]), Part(sums[0][1])};
 }
 
 CplxFloat dot_c(const CplxFloat* a, const CplxFloat* b, int n) {
@@ -115,9 +114,7 @@ CplxDouble dot_zd(const CplxDouble* a, const double* b, int n) {
 // ----------------------------------------------------------------- 16 bits
 // Sums modulo 2^32 do not depend on their order: the lanes are free.
 
-using VS = Vec<std::int16_t>;
-using VU = Vec<std::uint32_t>;
-constexpr int kShorts = kVecBytes / 2;
+constexpr int kShorts = lanes<std::int16_t>();
 
 std::int32_t dot_w(const short* a, const short* b, int n) {
     VU acc0 = {}, acc1 = {};
@@ -149,9 +146,8 @@ CplxInt dot_v(const CplxShort* a, const CplxShort* b, int n) {
     for (; k <= n - K; k += K) {
         const VS x = load<VS>(&a[k].re);
         const VU y = load<VU>(&b[k].re);
-        re += madd16(x, reinterpret_cast<VS>(y ^ 0xFFFF0000u)) +
-              reinterpret_cast<VU>(reinterpret_cast<Vec<std::int32_t>>(x) >> 16);
-        im += madd16(x, reinterpret_cast<VS>((y << 16) | (y >> 16)));
+        re += madd16(x, reinterpret_cast<VS>(y ^ 0xFFFF0000u)) + (VU)((VI)x >> 16);
+        im += madd16(x, swap16(reinterpret_cast<VS>(y)));
     }
     std::uint32_t sre = lane_total(re), sim = lane_total(im);
     for (; k < n; ++k) {

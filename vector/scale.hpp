@@ -10,12 +10,8 @@
 
 #include <cstdint>
 
+#include "frame/cpu.hpp"  // VEK_ELEMENT: the element rules are inlined into per-ISA kernels
 #include "frame/report.hpp"
-
-// The element helpers are compiled into per-ISA kernels: each translation
-// unit keeps its own inlined copy, so no out-of-line copy built for one ISA
-// can be shared with another.
-#define VEK_ELEMENT static inline __attribute__((always_inline))
 
 namespace vek {
 

@@ -2,10 +2,12 @@
 //
 // Include it from a kernel file after `#define VEK_ISA sse2` (or avx2,
 // avx512): everything lands in namespace vek::VEK_ISA, so each instruction
-// set gets its own copy. Vectors are GCC vector types as wide as the ISA's
-// registers (16, 32 or 64 bytes); the few operations those types lack
-// (square root, saturating 16-bit arithmetic, lane shuffles, mask tests)
-// are intrinsics here and nowhere else.
+// set gets its own copy. Vectors are GCC vector types: Vec<T> is as wide as
+// the ISA's registers (16, 32 or 64 bytes), Vec<T, N> holds N lanes. What
+// those types lack (square roots, saturating 16-bit arithmetic, masked ends,
+// lane shuffles, mask tests, conversions the compiler would split) is
+// written here with intrinsics, and nowhere else. Every operation also has
+// a portable form for targets without SSE2.
 #ifndef VEK_SIMD_INL
 #define VEK_SIMD_INL
 
@@ -15,10 +17,14 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
+#include <utility>
+
+#include "frame/cpu.hpp"  // VEK_ELEMENT
 
 #if defined(__SSE2__)
 // GCC 12 takes the undefined source operands of some AVX-512 intrinsics
-// for uninitialised variables.
+// for uninitialised variables (its bug 105593).
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #pragma GCC diagnostic ignored "-Wuninitialized"
@@ -26,8 +32,10 @@
 #pragma GCC diagnostic pop
 #endif
 
-#ifndef VEK_ELEMENT
-#define VEK_ELEMENT static inline __attribute__((always_inline))
+#if defined(__AVX512F__) && defined(__GNUC__) && !defined(__clang__) && __GNUC__ < 13
+// The same false positive, reported where the kernels inline those
+// intrinsics rather than in the header.
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #endif
 
 #if defined(__AVX512F__) && defined(__AVX512BW__) && defined(__AVX512DQ__) && defined(__AVX512VL__)
@@ -43,111 +51,175 @@ namespace VEK_ISA {
 
 constexpr int kVecBytes = VEK_SIMD_BYTES;
 
-typedef float VF __attribute__((vector_size(VEK_SIMD_BYTES)));
-typedef double VD __attribute__((vector_size(VEK_SIMD_BYTES)));
-typedef std::int16_t VS __attribute__((vector_size(VEK_SIMD_BYTES)));
-typedef std::uint16_t VUS __attribute__((vector_size(VEK_SIMD_BYTES)));
-typedef std::int32_t VI __attribute__((vector_size(VEK_SIMD_BYTES)));
-typedef std::uint32_t VU __attribute__((vector_size(VEK_SIMD_BYTES)));
-typedef std::int64_t VL __attribute__((vector_size(VEK_SIMD_BYTES)));
+// ----------------------------------------------------------------- types
 
-// Lanes per vector.
-template <class S>
+template <class T, int N>
+struct LanesOf {
+    typedef T type __attribute__((vector_size(N * sizeof(T))));
+};
+// N lanes of T; by default as many as fill one register.
+template <class T, int N = kVecBytes / int(sizeof(T))>
+using Vec = typename LanesOf<T, N>::type;
+
+using VF = Vec<float>;
+using VD = Vec<double>;
+using VS = Vec<std::int16_t>;
+using VUS = Vec<std::uint16_t>;
+using VI = Vec<std::int32_t>;
+using VU = Vec<std::uint32_t>;
+using VL = Vec<std::int64_t>;
+using VUL = Vec<std::uint64_t>;
+
+// Lanes of T per register.
+template <class T>
 constexpr int lanes() {
-    return kVecBytes / int(sizeof(S));
+    return kVecBytes / int(sizeof(T));
 }
 
-// The vector type of a scalar type.
-template <class S>
-struct VecOf;
-template <>
-struct VecOf<float> {
-    using type = VF;
-};
-template <>
-struct VecOf<double> {
-    using type = VD;
-};
-template <>
-struct VecOf<std::int16_t> {
-    using type = VS;
-};
-template <>
-struct VecOf<std::int32_t> {
-    using type = VI;
-};
-template <class S>
-using Vec = typename VecOf<S>::type;
+// The lane type and the lane count of a vector type.
+template <class V>
+using LaneOf = std::decay_t<decltype(V{}[0])>;
+template <class V>
+constexpr int lane_count() {
+    return int(sizeof(V) / sizeof(LaneOf<V>));
+}
+
+// The signed integer of a lane's width: the lane type of a comparison.
+template <class T>
+using MaskLane = std::conditional_t<
+    sizeof(T) == 8, std::int64_t,
+    std::conditional_t<sizeof(T) == 4, std::int32_t,
+                       std::conditional_t<sizeof(T) == 2, std::int16_t, std::int8_t>>>;
+
+// ----------------------------------------------------------------- values
+
+// Every lane x (by assignment: 0 + x would turn -0.0 into +0.0).
+template <class V>
+VEK_ELEMENT V splat(LaneOf<V> x) {
+    V v{};
+    for (int i = 0; i < lane_count<V>(); ++i) v[i] = x;
+    return v;
+}
+
+// The pair (a, b) repeated: a in even lanes, b in odd lanes.
+template <class V>
+VEK_ELEMENT V pairs(LaneOf<V> a, LaneOf<V> b) {
+    V v{};
+    for (int i = 0; i < lane_count<V>(); ++i) v[i] = (i & 1) ? b : a;
+    return v;
+}
 
 // ----------------------------------------------------------------- memory
 
 // Unaligned loads and stores; callers' buffers need no alignment.
-template <class V, class S>
-VEK_ELEMENT V vload(const S* p) {
+template <class V, class T>
+VEK_ELEMENT V load(const T* p) {
     V v;
     __builtin_memcpy(&v, p, sizeof v);
     return v;
 }
-template <class V, class S>
-VEK_ELEMENT void vstore(S* p, V v) {
+template <class V, class T>
+VEK_ELEMENT void store(T* p, V v) {
     __builtin_memcpy(p, &v, sizeof v);
 }
 
-// Every lane s (by assignment: 0 + s would turn -0.0 into +0.0).
-template <class V, class S>
-VEK_ELEMENT V splat(S s) {
-    V v{};
-    for (int i = 0; i < int(sizeof(V) / sizeof(v[0])); ++i) v[i] = s;
-    return v;
-}
-
-// A vector repeating the pair (a, b): a in even lanes, b in odd lanes.
-template <class V, class S>
-VEK_ELEMENT V pairs(S a, S b) {
-    V v{};
-    for (int i = 0; i < int(sizeof(V) / sizeof(v[0])); ++i) v[i] = (i & 1) ? b : a;
-    return v;
-}
-
-// All ones in even lanes (a mask for "real part" lanes of pair data).
-VEK_ELEMENT VL even_lanes_d() { return pairs<VL, std::int64_t>(-1, 0); }
-VEK_ELEMENT VI even_lanes_f() { return pairs<VI, std::int32_t>(-1, 0); }
-
-// The first r elements at p (0 < r < lanes), the other lanes taken from
-// pad; and the first r lanes of v stored at p. Nothing past p[r-1] is read
-// or written.
+// The first `count` lanes (0 < count <= lanes) of V at p, the others from
+// pad; and the first `count` lanes of v stored at p. Nothing past them is
+// read or written. With AVX-512 the lanes are masked (kMaskedEnds) and
+// kernels may take their ends this way; elsewhere they are copied one by
+// one, and kernels rather take their ends element by element.
 #if VEK_SIMD_BYTES == 64
-VEK_ELEMENT VF load_part(const float* p, int r, VF pad) {
-    return (VF)_mm512_mask_loadu_ps((__m512)pad, __mmask16((1u << r) - 1), p);
+constexpr bool kMaskedEnds = true;
+
+// The mask of the first `count` lanes.
+VEK_ELEMENT unsigned long long first_lanes(int count) { return (2ull << (count - 1)) - 1; }
+
+template <class V, class T>
+VEK_ELEMENT V load_first(const T* p, int count, V pad = V{}) {
+    constexpr int kLane = sizeof(LaneOf<V>);
+    const unsigned long long m = first_lanes(count);
+    if constexpr (sizeof(V) == 64) {
+        const __m512i s = reinterpret_cast<__m512i>(pad);
+        __m512i r;
+        if constexpr (kLane == 1) r = _mm512_mask_loadu_epi8(s, m, p);
+        if constexpr (kLane == 2) r = _mm512_mask_loadu_epi16(s, __mmask32(m), p);
+        if constexpr (kLane == 4) r = _mm512_mask_loadu_epi32(s, __mmask16(m), p);
+        if constexpr (kLane == 8) r = _mm512_mask_loadu_epi64(s, __mmask8(m), p);
+        return reinterpret_cast<V>(r);
+    } else if constexpr (sizeof(V) == 32) {
+        const __m256i s = reinterpret_cast<__m256i>(pad);
+        __m256i r;
+        if constexpr (kLane == 1) r = _mm256_mask_loadu_epi8(s, __mmask32(m), p);
+        if constexpr (kLane == 2) r = _mm256_mask_loadu_epi16(s, __mmask16(m), p);
+        if constexpr (kLane == 4) r = _mm256_mask_loadu_epi32(s, __mmask8(m), p);
+        if constexpr (kLane == 8) r = _mm256_mask_loadu_epi64(s, __mmask8(m), p);
+        return reinterpret_cast<V>(r);
+    } else {
+        __m128i s = _mm_setzero_si128();
+        __builtin_memcpy(&s, &pad, sizeof pad);  // an 8-byte vector is the low half
+        __m128i r;
+        if constexpr (kLane == 1) r = _mm_mask_loadu_epi8(s, __mmask16(m), p);
+        if constexpr (kLane == 2) r = _mm_mask_loadu_epi16(s, __mmask8(m), p);
+        if constexpr (kLane == 4) r = _mm_mask_loadu_epi32(s, __mmask8(m), p);
+        if constexpr (kLane == 8) r = _mm_mask_loadu_epi64(s, __mmask8(m), p);
+        V v;
+        __builtin_memcpy(&v, &r, sizeof v);
+        return v;
+    }
 }
-VEK_ELEMENT VD load_part(const double* p, int r, VD pad) {
-    return (VD)_mm512_mask_loadu_pd((__m512d)pad, __mmask8((1u << r) - 1), p);
+
+// Stores the lanes of v whose bit is set in `bits`; the others stay unwritten.
+template <class V, class T>
+VEK_ELEMENT void store_masked(T* p, V v, unsigned long long bits) {
+    constexpr int kLane = sizeof(LaneOf<V>);
+    const unsigned long long m = bits;
+    if constexpr (sizeof(V) == 64) {
+        const __m512i x = reinterpret_cast<__m512i>(v);
+        if constexpr (kLane == 1) _mm512_mask_storeu_epi8(p, m, x);
+        if constexpr (kLane == 2) _mm512_mask_storeu_epi16(p, __mmask32(m), x);
+        if constexpr (kLane == 4) _mm512_mask_storeu_epi32(p, __mmask16(m), x);
+        if constexpr (kLane == 8) _mm512_mask_storeu_epi64(p, __mmask8(m), x);
+    } else if constexpr (sizeof(V) == 32) {
+        const __m256i x = reinterpret_cast<__m256i>(v);
+        if constexpr (kLane == 1) _mm256_mask_storeu_epi8(p, __mmask32(m), x);
+        if constexpr (kLane == 2) _mm256_mask_storeu_epi16(p, __mmask16(m), x);
+        if constexpr (kLane == 4) _mm256_mask_storeu_epi32(p, __mmask8(m), x);
+        if constexpr (kLane == 8) _mm256_mask_storeu_epi64(p, __mmask8(m), x);
+    } else {
+        __m128i x = _mm_setzero_si128();
+        __builtin_memcpy(&x, &v, sizeof v);
+        if constexpr (kLane == 1) _mm_mask_storeu_epi8(p, __mmask16(m), x);
+        if constexpr (kLane == 2) _mm_mask_storeu_epi16(p, __mmask8(m), x);
+        if constexpr (kLane == 4) _mm_mask_storeu_epi32(p, __mmask8(m), x);
+        if constexpr (kLane == 8) _mm_mask_storeu_epi64(p, __mmask8(m), x);
+    }
 }
-VEK_ELEMENT VS load_part(const std::int16_t* p, int r, VS pad) {
-    return (VS)_mm512_mask_loadu_epi16((__m512i)pad, __mmask32((1u << r) - 1), p);
+
+template <class V, class T>
+VEK_ELEMENT void store_first(T* p, V v, int count) {
+    store_masked(p, v, first_lanes(count));
 }
-VEK_ELEMENT void store_part(float* p, VF v, int r) {
-    _mm512_mask_storeu_ps(p, __mmask16((1u << r) - 1), (__m512)v);
-}
-VEK_ELEMENT void store_part(double* p, VD v, int r) {
-    _mm512_mask_storeu_pd(p, __mmask8((1u << r) - 1), (__m512d)v);
-}
-VEK_ELEMENT void store_part(std::int16_t* p, VS v, int r) {
-    _mm512_mask_storeu_epi16(p, __mmask32((1u << r) - 1), (__m512i)v);
-}
+
 #else
-template <class V, class S>
-VEK_ELEMENT V load_part(const S* p, int r, V pad) {
-    S t[sizeof(V) / sizeof(S)];
-    vstore(t, pad);
-    for (int j = 0; j < r; ++j) t[j] = p[j];
-    return vload<V>(t);
+constexpr bool kMaskedEnds = false;
+
+template <class V, class T>
+VEK_ELEMENT V load_first(const T* p, int count, V pad = V{}) {
+    using L = LaneOf<V>;
+    const L* q = reinterpret_cast<const L*>(p);
+    L t[lane_count<V>()];
+    store(t, pad);
+    for (int j = 0; j < count; ++j) t[j] = q[j];
+    return load<V>(t);
 }
-template <class V, class S>
-VEK_ELEMENT void store_part(S* p, V v, int r) {
-    S t[sizeof(V) / sizeof(S)];
-    vstore(t, v);
-    for (int j = 0; j < r; ++j) p[j] = t[j];
+
+template <class V, class T>
+VEK_ELEMENT void store_first(T* p, V v, int count) {
+    using L = LaneOf<V>;
+    L* q = reinterpret_cast<L*>(p);
+    L t[lane_count<V>()];
+    store(t, v);
+    for (int j = 0; j < count; ++j) q[j] = t[j];
 }
 #endif
 
@@ -170,9 +242,10 @@ VEK_ELEMENT std::ptrdiff_t head_count(const S* d, std::ptrdiff_t n) {
 
 // ----------------------------------------------------------------- masks
 
-// True when any bit of the vector is set (comparison masks included).
+// True when any bit of a native vector is set (comparison masks included).
 template <class V>
 VEK_ELEMENT bool any(V m) {
+    static_assert(sizeof(V) == kVecBytes, "native vectors only");
 #if VEK_SIMD_BYTES == 64
     const __m512i x = (__m512i)m;
     return _mm512_test_epi64_mask(x, x) != 0;
@@ -190,7 +263,43 @@ VEK_ELEMENT bool any(V m) {
 #endif
 }
 
-// ----------------------------------------------------------------- float
+// One bit per lane of a native float or double vector: set where
+// lo <= x <= hi (never for NaN).
+template <class V>
+VEK_ELEMENT unsigned long long in_range_bits(V x, V lo, V hi) {
+    constexpr bool kFloat = sizeof(x[0]) == 4;
+#if defined(__AVX512F__)
+    if constexpr (sizeof(V) == 64 && kFloat) {
+        const __m512 v = reinterpret_cast<__m512>(x);
+        const __mmask16 ge = _mm512_cmp_ps_mask(v, reinterpret_cast<__m512>(lo), _CMP_GE_OQ);
+        return _mm512_mask_cmp_ps_mask(ge, v, reinterpret_cast<__m512>(hi), _CMP_LE_OQ);
+    }
+    if constexpr (sizeof(V) == 64 && !kFloat) {
+        const __m512d v = reinterpret_cast<__m512d>(x);
+        const __mmask8 ge = _mm512_cmp_pd_mask(v, reinterpret_cast<__m512d>(lo), _CMP_GE_OQ);
+        return _mm512_mask_cmp_pd_mask(ge, v, reinterpret_cast<__m512d>(hi), _CMP_LE_OQ);
+    }
+#endif
+    const auto inside = (x >= lo) & (x <= hi);
+#if defined(__AVX__)
+    if constexpr (sizeof(V) == 32 && kFloat)
+        return unsigned(_mm256_movemask_ps(reinterpret_cast<__m256>(inside)));
+    if constexpr (sizeof(V) == 32 && !kFloat)
+        return unsigned(_mm256_movemask_pd(reinterpret_cast<__m256d>(inside)));
+#endif
+#if defined(__SSE2__)
+    if constexpr (sizeof(V) == 16 && kFloat)
+        return unsigned(_mm_movemask_ps(reinterpret_cast<__m128>(inside)));
+    if constexpr (sizeof(V) == 16 && !kFloat)
+        return unsigned(_mm_movemask_pd(reinterpret_cast<__m128d>(inside)));
+#endif
+    unsigned long long bits = 0;
+    for (std::size_t i = 0; i < sizeof(V) / sizeof(x[0]); ++i)
+        if (inside[i]) bits |= 1ull << i;
+    return bits;
+}
+
+// ----------------------------------------------------------------- floating point
 
 VEK_ELEMENT VF vsqrt(VF x) {
 #if VEK_SIMD_BYTES == 64
@@ -224,8 +333,44 @@ VEK_ELEMENT VD vabs(VD x) { return (VD)((VL)x & INT64_MAX); }
 // Sign bit of s put on x (x without its sign, as from vabs).
 VEK_ELEMENT VD with_sign_of(VD x, VD s) { return (VD)((VL)x | ((VL)s & INT64_MIN)); }
 
-// The low and high halves of a float vector, widened exactly to double.
-VEK_ELEMENT VD lo_pd(VF x) {
+// acc + a * b where the product is known to be exact (products of widened
+// floats): a fused multiply-add then rounds exactly as the separate
+// operations do, so every path gives the same sums.
+template <class V>
+VEK_ELEMENT V add_exact_product(V acc, V a, V b) {
+#if defined(__AVX512F__)
+    if constexpr (sizeof(V) == 64)
+        return reinterpret_cast<V>(_mm512_fmadd_pd(reinterpret_cast<__m512d>(a),
+                                                   reinterpret_cast<__m512d>(b),
+                                                   reinterpret_cast<__m512d>(acc)));
+#endif
+#if defined(__FMA__)
+    if constexpr (sizeof(V) == 32)
+        return reinterpret_cast<V>(_mm256_fmadd_pd(reinterpret_cast<__m256d>(a),
+                                                   reinterpret_cast<__m256d>(b),
+                                                   reinterpret_cast<__m256d>(acc)));
+#endif
+    return acc + a * b;
+}
+
+// ----------------------------------------------------------------- conversions
+
+// Float lanes widened to double lanes, exactly.
+template <int N>
+VEK_ELEMENT Vec<double, N> widen(Vec<float, N> v) {
+#if defined(__AVX512F__)
+    if constexpr (N == 8)
+        return reinterpret_cast<Vec<double, N>>(_mm512_cvtps_pd(reinterpret_cast<__m256>(v)));
+#endif
+#if defined(__AVX__)
+    if constexpr (N == 4)
+        return reinterpret_cast<Vec<double, N>>(_mm256_cvtps_pd(reinterpret_cast<__m128>(v)));
+#endif
+    return __builtin_convertvector(v, Vec<double, N>);
+}
+
+// The low and the high half of a float register, widened exactly.
+VEK_ELEMENT VD widen_lo(VF x) {
 #if VEK_SIMD_BYTES == 64
     return (VD)_mm512_cvtps_pd(_mm512_castps512_ps256((__m512)x));
 #elif VEK_SIMD_BYTES == 32
@@ -239,7 +384,7 @@ VEK_ELEMENT VD lo_pd(VF x) {
 #endif
 }
 
-VEK_ELEMENT VD hi_pd(VF x) {
+VEK_ELEMENT VD widen_hi(VF x) {
 #if VEK_SIMD_BYTES == 64
     return (VD)_mm512_cvtps_pd(_mm512_extractf32x8_ps((__m512)x, 1));
 #elif VEK_SIMD_BYTES == 32
@@ -253,8 +398,8 @@ VEK_ELEMENT VD hi_pd(VF x) {
 #endif
 }
 
-// Two double vectors rounded to float (round to nearest) and joined.
-VEK_ELEMENT VF to_ps(VD lo, VD hi) {
+// Two double registers rounded to float (to nearest) and joined.
+VEK_ELEMENT VF to_floats(VD lo, VD hi) {
 #if VEK_SIMD_BYTES == 64
     return (VF)_mm512_insertf32x8(_mm512_castps256_ps512(_mm512_cvtpd_ps((__m512d)lo)),
                                   _mm512_cvtpd_ps((__m512d)hi), 1);
@@ -273,8 +418,76 @@ VEK_ELEMENT VF to_ps(VD lo, VD hi) {
 #endif
 }
 
-// Pair shuffles of double vectors holding (re, im) pairs.
-VEK_ELEMENT VD dup_even(VD x) {  // (re, re)
+// 8- or 16-bit integer lanes sign- or zero-extended to 32 bits, with one
+// extension instruction where the compiler would split the vector.
+template <class Int, int N>
+VEK_ELEMENT Vec<std::int32_t, N> extend32(Vec<Int, N> v) {
+    static_assert(sizeof(Int) <= 2, "narrow lanes only");
+    [[maybe_unused]] constexpr bool kSigned = std::is_signed_v<Int>;
+    using Out = Vec<std::int32_t, N>;
+#if defined(__AVX512F__)
+    if constexpr (N == 16 && sizeof(Int) == 2) {
+        const __m256i x = reinterpret_cast<__m256i>(v);
+        return reinterpret_cast<Out>(kSigned ? _mm512_cvtepi16_epi32(x) : _mm512_cvtepu16_epi32(x));
+    }
+    if constexpr (N == 16 && sizeof(Int) == 1) {
+        const __m128i x = reinterpret_cast<__m128i>(v);
+        return reinterpret_cast<Out>(kSigned ? _mm512_cvtepi8_epi32(x) : _mm512_cvtepu8_epi32(x));
+    }
+#endif
+#if defined(__AVX2__)
+    if constexpr (N == 8 && sizeof(Int) == 2) {
+        const __m128i x = reinterpret_cast<__m128i>(v);
+        return reinterpret_cast<Out>(kSigned ? _mm256_cvtepi16_epi32(x) : _mm256_cvtepu16_epi32(x));
+    }
+    if constexpr (N == 8 && sizeof(Int) == 1) {
+        const __m128i x = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(&v));  // 8 bytes
+        return reinterpret_cast<Out>(kSigned ? _mm256_cvtepi8_epi32(x) : _mm256_cvtepu8_epi32(x));
+    }
+#endif
+    return __builtin_convertvector(v, Out);
+}
+
+// 32-bit lanes narrowed to Int lanes (8, 16 or 32 bits), keeping the low bits.
+template <class Int, int N, class W>
+VEK_ELEMENT Vec<Int, N> narrow_wrap(W w) {
+    if constexpr (sizeof(Int) == 4) {
+        return w;
+    } else {
+#if defined(__AVX512F__)
+        if constexpr (N == 16) {
+            const __m512i x = reinterpret_cast<__m512i>(w);
+            if constexpr (sizeof(Int) == 2)
+                return reinterpret_cast<Vec<Int, N>>(_mm512_cvtepi32_epi16(x));
+            else
+                return reinterpret_cast<Vec<Int, N>>(_mm512_cvtepi32_epi8(x));
+        }
+        if constexpr (N == 8) {
+            const __m256i x = reinterpret_cast<__m256i>(w);
+            const __m128i r = sizeof(Int) == 2 ? _mm256_cvtepi32_epi16(x) : _mm256_cvtepi32_epi8(x);
+            Vec<Int, N> v;
+            __builtin_memcpy(&v, &r, sizeof v);
+            return v;
+        }
+#endif
+        return __builtin_convertvector(w, Vec<Int, N>);
+    }
+}
+
+// ----------------------------------------------------------------- shuffles
+
+// Lane i of the result is lane i ^ 1 of v: swaps re and im of complex pairs.
+template <class V, std::size_t... I>
+VEK_ELEMENT V swap_pairs_(V v, std::index_sequence<I...>) {
+    return __builtin_shufflevector(v, v, (I ^ 1)...);
+}
+template <class V>
+VEK_ELEMENT V swap_pairs(V v) {
+    return swap_pairs_(v, std::make_index_sequence<lane_count<V>()>());
+}
+
+// The even (re) or the odd (im) lane of each pair, in both lanes of the pair.
+VEK_ELEMENT VD dup_even(VD x) {
 #if VEK_SIMD_BYTES == 64
     return (VD)_mm512_movedup_pd((__m512d)x);
 #elif VEK_SIMD_BYTES == 32
@@ -287,7 +500,7 @@ VEK_ELEMENT VD dup_even(VD x) {  // (re, re)
 #endif
 }
 
-VEK_ELEMENT VD dup_odd(VD x) {  // (im, im)
+VEK_ELEMENT VD dup_odd(VD x) {
 #if VEK_SIMD_BYTES == 64
     return (VD)_mm512_permute_pd((__m512d)x, 0xFF);
 #elif VEK_SIMD_BYTES == 32
@@ -300,21 +513,39 @@ VEK_ELEMENT VD dup_odd(VD x) {  // (im, im)
 #endif
 }
 
-VEK_ELEMENT VD swap_pairs(VD x) {  // (im, re)
+// Each lane twice: (a, b, ...) -> (a, a, b, b, ...).
+template <class W, class V, std::size_t... I>
+VEK_ELEMENT W twice_(V v, std::index_sequence<I...>) {
+    return __builtin_shufflevector(v, v, (I / 2)...);
+}
+template <class W, class V>
+VEK_ELEMENT W twice(V v) {
+    return twice_<W>(v, std::make_index_sequence<2 * lane_count<V>()>());
+}
+
+// Swaps the two 16-bit halves of every 32-bit lane.
+VEK_ELEMENT VS swap16(VS a) {
 #if VEK_SIMD_BYTES == 64
-    return (VD)_mm512_permute_pd((__m512d)x, 0x55);
-#elif VEK_SIMD_BYTES == 32
-    return (VD)_mm256_permute_pd((__m256d)x, 0x5);
-#elif defined(__SSE2__)
-    return (VD)_mm_shuffle_pd((__m128d)x, (__m128d)x, 1);
+    return (VS)_mm512_rol_epi32((__m512i)a, 16);
 #else
-    for (int i = 0; i < lanes<double>(); i += 2) {
-        const double t = x[i];
-        x[i] = x[i + 1];
-        x[i + 1] = t;
-    }
-    return x;
+    const VU u = (VU)a;
+    return (VS)((u << 16) | (u >> 16));
 #endif
+}
+
+// The sum of all lanes of an integer vector (modulo the lane width), by
+// halving: high half onto low half.
+template <class V, std::size_t... I>
+VEK_ELEMENT auto fold_halves_(V v, std::index_sequence<I...>) {
+    constexpr std::size_t kHalf = sizeof...(I);
+    return __builtin_shufflevector(v, v, I...) + __builtin_shufflevector(v, v, (I + kHalf)...);
+}
+template <class V>
+VEK_ELEMENT auto lane_total(V v) {
+    if constexpr (lane_count<V>() == 1)
+        return v[0];
+    else
+        return lane_total(fold_halves_(v, std::make_index_sequence<lane_count<V>() / 2>()));
 }
 
 // ----------------------------------------------------------------- 16-bit
@@ -365,30 +596,21 @@ VEK_ELEMENT VS mulhi16(VS a, VS b) {
 #endif
 }
 
-// Per 32-bit lane: a.lo*b.lo + a.hi*b.hi of the 16-bit halves, modulo 2^32.
-VEK_ELEMENT VI madd16(VS a, VS b) {
+// Products of 16-bit lanes, added in pairs into 32-bit lanes:
+// r[k] = a[2k] b[2k] + a[2k+1] b[2k+1], modulo 2^32 (the one sum that does
+// not fit, 2 * (-32768)^2, wraps).
+VEK_ELEMENT VU madd16(VS a, VS b) {
 #if VEK_SIMD_BYTES == 64
-    return (VI)_mm512_madd_epi16((__m512i)a, (__m512i)b);
+    return (VU)_mm512_madd_epi16((__m512i)a, (__m512i)b);
 #elif VEK_SIMD_BYTES == 32
-    return (VI)_mm256_madd_epi16((__m256i)a, (__m256i)b);
+    return (VU)_mm256_madd_epi16((__m256i)a, (__m256i)b);
 #elif defined(__SSE2__)
-    return (VI)_mm_madd_epi16((__m128i)a, (__m128i)b);
+    return (VU)_mm_madd_epi16((__m128i)a, (__m128i)b);
 #else
-    VI r;
+    VU r;
     for (int i = 0; i < lanes<std::int32_t>(); ++i)
-        r[i] = std::int32_t(std::uint32_t(a[2 * i] * b[2 * i]) +
-                            std::uint32_t(a[2 * i + 1] * b[2 * i + 1]));
+        r[i] = std::uint32_t(a[2 * i] * b[2 * i]) + std::uint32_t(a[2 * i + 1] * b[2 * i + 1]);
     return r;
-#endif
-}
-
-// Swaps the two 16-bit halves of every 32-bit lane.
-VEK_ELEMENT VS swap16(VS a) {
-#if VEK_SIMD_BYTES == 64
-    return (VS)_mm512_rol_epi32((__m512i)a, 16);
-#else
-    const VU u = (VU)a;
-    return (VS)((u << 16) | (u >> 16));
 #endif
 }
 

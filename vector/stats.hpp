@@ -11,7 +11,7 @@
 namespace vek {
 
 struct StatsOps {
-    // Floating sums in the fixed layout of partial sums (sum_lanes, lanes.inl).
+    // Floating sums in the fixed layout of partial sums (sum_lanes, fixed_sums.inl).
     double (*sum_s)(const float* x, int n);
     double (*sum_squares_s)(const float* x, int n);
     double (*sum_d)(const double* x, int n);

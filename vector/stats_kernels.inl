@@ -2,62 +2,61 @@
 #include <limits>
 #include <type_traits>
 
-#include "vector/lanes.inl"
+#include "vector/fixed_sums.inl"
 #include "vector/stats.hpp"
 
 namespace vek {
 namespace VEK_ISA {
 namespace {
 
-constexpr int kDoubles = kVecBytes / 8;
-using VD = Vec<double, kDoubles>;
-using VF = Vec<float, kDoubles>;  // as many floats as a register holds doubles
+constexpr int kDoubles = lanes<double>();
+using HalfVF = Vec<float, kDoubles>;  // as many floats as a register holds doubles
 
 // ----------------------------------------------------------------- sums
 
 double sum_s(const float* x, int n) {
-    double lanes[1][kSumLanes];
+    double sums[1][kSumLanes];
     sum_lanes<1>(
         n,
         [&](VD(&acc)[1][kSumLanes / kDoubles], int r, std::ptrdiff_t at) {
-            acc[0][r] += widen<kDoubles>(load<VF>(x + at));
+            acc[0][r] += widen<kDoubles>(load<HalfVF>(x + at));
         },
         [&](double(&l)[1][kSumLanes], int lane, std::ptrdiff_t i) { l[0][lane] += double(x[i]); },
-        lanes);
-    fold_lanes(lanes[0]);
-    return lanes[0][0];
+        sums);
+    fold_lanes(sums[0]);
+    return sums[0][0];
 }
 
 double sum_squares_s(const float* x, int n) {
-    double lanes[1][kSumLanes];
+    double sums[1][kSumLanes];
     sum_lanes<1>(
         n,
         [&](VD(&acc)[1][kSumLanes / kDoubles], int r, std::ptrdiff_t at) {
-            const VD v = widen<kDoubles>(load<VF>(x + at));
+            const VD v = widen<kDoubles>(load<HalfVF>(x + at));
             acc[0][r] = add_exact_product(acc[0][r], v, v);
         },
         [&](double(&l)[1][kSumLanes], int lane, std::ptrdiff_t i) {
             l[0][lane] += double(x[i]) * double(x[i]);
         },
-        lanes);
-    fold_lanes(lanes[0]);
-    return lanes[0][0];
+        sums);
+    fold_lanes(sums[0]);
+    return sums[0][0];
 }
 
 double sum_d(const double* x, int n) {
-    double lanes[1][kSumLanes];
+    double sums[1][kSumLanes];
     sum_lanes<1>(
         n,
         [&](VD(&acc)[1][kSumLanes / kDoubles], int r, std::ptrdiff_t at) {
             acc[0][r] += load<VD>(x + at);
         },
-        [&](double(&l)[1][kSumLanes], int lane, std::ptrdiff_t i) { l[0][lane] += x[i]; }, lanes);
-    fold_lanes(lanes[0]);
-    return lanes[0][0];
+        [&](double(&l)[1][kSumLanes], int lane, std::ptrdiff_t i) { l[0][lane] += x[i]; }, sums);
+    fold_lanes(sums[0]);
+    return sums[0][0];
 }
 
 double sum_squares_d(const double* x, int n) {
-    double lanes[1][kSumLanes];
+    double sums[1][kSumLanes];
     sum_lanes<1>(
         n,
         [&](VD(&acc)[1][kSumLanes / kDoubles], int r, std::ptrdiff_t at) {
@@ -65,16 +64,13 @@ double sum_squares_d(const double* x, int n) {
             acc[0][r] += v * v;
         },
         [&](double(&l)[1][kSumLanes], int lane, std::ptrdiff_t i) { l[0][lane] += x[i] * x[i]; },
-        lanes);
-    fold_lanes(lanes[0]);
-    return lanes[0][0];
+        sums);
+    fold_lanes(sums[0]);
+    return sums[0][0];
 }
 
 // 16-bit sums are exact (or modulo 2^32): their order is free.
-using VS = Vec<std::int16_t>;
-using VU = Vec<std::uint32_t>;
-using VU64 = Vec<std::uint64_t>;
-constexpr int kShorts = kVecBytes / 2;
+constexpr int kShorts = lanes<std::int16_t>();
 
 std::int32_t sum_w(const short* x, int n) {
     const VS one = splat<VS>(1);
@@ -89,12 +85,12 @@ std::int32_t sum_w(const short* x, int n) {
 // Each pair of squares is at most 2^31: it fits a 32-bit lane unsigned, and
 // the pairs are gathered in 64-bit lanes.
 std::uint64_t sum_squares_w(const short* x, int n) {
-    VU64 acc = {};
+    VUL acc = {};
     int i = 0;
     for (; i <= n - kShorts; i += kShorts) {
         const VS v = load<VS>(x + i);
-        const VU64 pairs = reinterpret_cast<VU64>(madd16(v, v));
-        acc += (pairs & 0xFFFFFFFFu) + (pairs >> 32);
+        const VUL squares = reinterpret_cast<VUL>(madd16(v, v));
+        acc += (squares & 0xFFFFFFFFu) + (squares >> 32);
     }
     std::uint64_t sum = lane_total(acc);
     for (; i < n; ++i) sum += std::uint64_t(std::int32_t(x[i]) * x[i]);
@@ -112,10 +108,10 @@ T extreme(const T* x, int n, int* index) {
     using E = std::conditional_t<std::is_same_v<T, short>, std::int32_t, T>;  // lane values
     using I = std::make_unsigned_t<MaskLane<E>>;        // lane indexes, unsigned: they may wrap
     constexpr I kNone = std::numeric_limits<I>::max();  // no element has beaten kWorst
-    constexpr int L = kVecBytes / int(sizeof(E));
+    constexpr int L = lanes<E>();
     constexpr int U = 4;  // independent accumulators
     using VE = Vec<E, L>;
-    using VI = Vec<I, L>;
+    using VIdx = Vec<I, L>;
     // Worse than every int16 lane; for floats, the infinity on the wrong
     // side, which no element beats but NaN does not equal either.
     constexpr E kWorst =
@@ -140,10 +136,10 @@ T extreme(const T* x, int n, int* index) {
     int i = 0;
     if (n >= U * L) {
         VE b[U];
-        VI w[U], idx[U];
+        VIdx w[U], idx[U];
         for (int u = 0; u < U; ++u) {
             b[u] = splat<VE>(kWorst);
-            w[u] = splat<VI>(kNone);
+            w[u] = splat<VIdx>(kNone);
             for (int j = 0; j < L; ++j) idx[u][j] = I(u * L + j);
         }
         for (; i <= n - U * L; i += U * L) {
