@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstdint>
 
-#include "arith_plain.hpp"
+#include "plain.hpp"
 
 namespace plain {
 

@@ -1,8 +1,9 @@
+// Plain conversion loops of the benchmarked vek exports (-O3 -march=native).
 #include <cmath>
 
-#include "native.hpp"
+#include "plain.hpp"
 
-namespace native {
+namespace plain {
 
 void float_to_short_sat(const float* src, short* dst, int n) {
     for (int i = 0; i < n; ++i) {
@@ -23,4 +24,4 @@ void short_to_float(const short* src, float* dst, int n) {
     for (int i = 0; i < n; ++i) dst[i] = src[i];
 }
 
-}  // namespace native
+}  // namespace plain

@@ -1,5 +1,5 @@
 // Dot products beside plain loops that sum in index order.
-#include "native.hpp"
+#include "plain.hpp"
 #include "twin.hpp"
 
 namespace {
@@ -9,20 +9,19 @@ void BM_veksDotProd(benchmark::State& state) {
     const auto a = twin::uniform<float>(n, -1, 1, 1), b = twin::uniform<float>(n, -1, 1, 2);
     twin::run(
         state, n, [&] { benchmark::DoNotOptimize(veksDotProd(a.data(), b.data(), n)); },
-        [&] { benchmark::DoNotOptimize(native::dot_float(a.data(), b.data(), n)); });
+        [&] { benchmark::DoNotOptimize(plain::dot_float(a.data(), b.data(), n)); });
 }
-TWIN_SIZES(BM_veksDotProd);
+TWIN_BENCHMARK(BM_veksDotProd, {1000, 1000000});
 
 void BM_vekcDotProd(benchmark::State& state) {
     const int n = int(state.range(0));
-    const auto a = twin::uniform<float>(2 * n, -1, 1, 1), b = twin::uniform<float>(2 * n, -1, 1, 2);
-    const auto* ca = reinterpret_cast<const CplxFloat*>(a.data());
-    const auto* cb = reinterpret_cast<const CplxFloat*>(b.data());
+    const auto a = twin::uniform<CplxFloat>(n, -1, 1, 1);
+    const auto b = twin::uniform<CplxFloat>(n, -1, 1, 2);
     twin::run(
-        state, n, [&] { benchmark::DoNotOptimize(vekcDotProd(ca, cb, n)); },
-        [&] { benchmark::DoNotOptimize(native::dot_cplx(ca, cb, n)); });
+        state, n, [&] { benchmark::DoNotOptimize(vekcDotProd(a.data(), b.data(), n)); },
+        [&] { benchmark::DoNotOptimize(plain::dot_cplx(a.data(), b.data(), n)); });
 }
-TWIN_SIZES(BM_vekcDotProd);
+TWIN_BENCHMARK(BM_vekcDotProd, {1000, 1000000});
 
 // Wrapping 32-bit sum, low 16 bits kept.
 void BM_vekwDotProd(benchmark::State& state) {
@@ -34,8 +33,8 @@ void BM_vekwDotProd(benchmark::State& state) {
         [&] {
             benchmark::DoNotOptimize(vekwDotProd(a.data(), b.data(), n, VEK_NO_SCALE, nullptr));
         },
-        [&] { benchmark::DoNotOptimize(native::dot_short(a.data(), b.data(), n)); });
+        [&] { benchmark::DoNotOptimize(plain::dot_short(a.data(), b.data(), n)); });
 }
-TWIN_SIZES(BM_vekwDotProd);
+TWIN_BENCHMARK(BM_vekwDotProd, {1000, 1000000});
 
 }  // namespace

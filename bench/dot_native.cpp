@@ -1,6 +1,7 @@
-#include "native.hpp"
+// Plain dot-product loops of the benchmarked vek exports (-O3 -march=native).
+#include "plain.hpp"
 
-namespace native {
+namespace plain {
 
 float dot_float(const float* a, const float* b, int n) {
     double s = 0;
@@ -23,4 +24,4 @@ short dot_short(const short* a, const short* b, int n) {
     return short(s);
 }
 
-}  // namespace native
+}  // namespace plain

@@ -1,5 +1,5 @@
 // Statistics beside plain loops.
-#include "native.hpp"
+#include "plain.hpp"
 #include "twin.hpp"
 
 namespace {
@@ -16,19 +16,19 @@ void BM_veksMaxExt(benchmark::State& state) {
         },
         [&] {
             int at;
-            benchmark::DoNotOptimize(native::max_ext_float(x.data(), n, &at));
+            benchmark::DoNotOptimize(plain::max_ext_float(x.data(), n, &at));
             benchmark::DoNotOptimize(at);
         });
 }
-TWIN_SIZES(BM_veksMaxExt);
+TWIN_BENCHMARK(BM_veksMaxExt, {1000, 1000000});
 
 void BM_veksMean(benchmark::State& state) {
     const int n = int(state.range(0));
     const auto x = twin::uniform<float>(n, -1, 1);
     twin::run(
         state, n, [&] { benchmark::DoNotOptimize(veksMean(x.data(), n)); },
-        [&] { benchmark::DoNotOptimize(native::mean_float(x.data(), n)); });
+        [&] { benchmark::DoNotOptimize(plain::mean_float(x.data(), n)); });
 }
-TWIN_SIZES(BM_veksMean);
+TWIN_BENCHMARK(BM_veksMean, {1000, 1000000});
 
 }  // namespace

@@ -1,6 +1,7 @@
-#include "native.hpp"
+// Plain statistics loops of the benchmarked vek exports (-O3 -march=native).
+#include "plain.hpp"
 
-namespace native {
+namespace plain {
 
 float max_ext_float(const float* x, int n, int* index) {
     float m = x[0];
@@ -21,4 +22,4 @@ float mean_float(const float* x, int n) {
     return float(s / n);
 }
 
-}  // namespace native
+}  // namespace plain

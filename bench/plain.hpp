@@ -1,0 +1,36 @@
+// The plain loops that the vek exports are compared with, one per
+// benchmark: what the compiler makes of the obvious C++ on this machine.
+// They are compiled -O3 -march=native (files *_native.cpp).
+#pragma once
+
+#include "vek.h"
+
+namespace plain {
+
+// Element-wise arithmetic (complex float products in double, rounded once).
+void s_add3(const float* a, const float* b, float* d, int n);
+void s_mpy2(const float* s, float* d, int n);
+void c_mpy3(const CplxFloat* a, const CplxFloat* b, CplxFloat* d, int n);
+void z_mpy3(const CplxDouble* a, const CplxDouble* b, CplxDouble* d, int n);
+bool d_sqrt2(const double* s, double* d, int n);
+void w_add3_wrap(const short* a, const short* b, short* d, int n);
+void w_add3_sat(const short* a, const short* b, short* d, int n);
+int w_add3_auto(const short* a, const short* b, short* d, int n);
+void v_mpy3_wrap(const CplxShort* a, const CplxShort* b, CplxShort* d, int n);
+void v_mpy3_sat(const CplxShort* a, const CplxShort* b, CplxShort* d, int n);
+
+// Conversions: lrintf with clamping, and without (out of range: unwritten).
+void float_to_short_sat(const float* src, short* dst, int n);
+void float_to_short(const float* src, short* dst, int n);
+void short_to_float(const short* src, float* dst, int n);
+
+// Dot products, summed in index order (the complex one in double).
+float dot_float(const float* a, const float* b, int n);
+CplxFloat dot_cplx(const CplxFloat* a, const CplxFloat* b, int n);
+short dot_short(const short* a, const short* b, int n);  // 32-bit sum, low 16 bits
+
+// Statistics.
+float max_ext_float(const float* x, int n, int* index);
+float mean_float(const float* x, int n);
+
+}  // namespace plain
