@@ -170,13 +170,25 @@ TYPED_TEST(Fft, RoundTrips) {
 // takes it so, and the pair restores the input without a permutation.
 TYPED_TEST(Fft, BitReversedOrders) {
     using C = TypeParam;
-    for (int order : {1, 2, 3, 4, 7, 10, 13}) {
+    for (int order : {1, 2, 3, 4, 5, 6, 7, 8, 10, 13}) {
         const std::size_t n = std::size_t(1) << order;
         const std::vector<C> in = to_vec<C>(vektest::random_signal(n, 7 * order));
         const std::vector<cld> x = widen(in);
         std::vector<cld> ref = vektest::reference(x, -1);
         std::vector<cld> rev(n);
         for (std::size_t i = 0; i < n; ++i) rev[std::size_t(vekBitRev(int(i), order))] = ref[i];
+
+        // The other two pairings of direction and ordering.
+        std::vector<C> p(n);
+        for (std::size_t i = 0; i < n; ++i) p[std::size_t(vekBitRev(int(i), order))] = in[i];
+        Api<C>::fft(p.data(), order, VEK_Forw | VEK_InBitRev);
+        EXPECT_LT(vektest::rel_rms(p.data(), ref), bound<C>(order)) << order;
+        const std::vector<cld> inv = vektest::reference(x, 1);
+        std::vector<cld> invRev(n);
+        for (std::size_t i = 0; i < n; ++i) invRev[std::size_t(vekBitRev(int(i), order))] = inv[i];
+        p = in;
+        Api<C>::fft(p.data(), order, VEK_Inv | VEK_OutBitRev | VEK_NoScale);
+        EXPECT_LT(vektest::rel_rms(p.data(), invRev), bound<C>(order)) << order;
 
         std::vector<C> y = in;
         Api<C>::fft(y.data(), order, VEK_Forw | VEK_OutBitRev);

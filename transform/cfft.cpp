@@ -45,20 +45,38 @@ bool split_buffer(ThreadContext* ctx, CplxKind kind, int order) {
 
 }  // namespace
 
-bool fft_tables(const Site& site, CplxKind kind, int order, bool split) {
+namespace {
+
+// Everything already there: the common case, kept short.
+bool ready(const ThreadContext* ctx, CplxKind kind, int order, bool split) {
+    const ScratchSet& set = ctx->scratch[kind];
+    const std::uint64_t work = kind == kKindC ? fft_work<CplxFloat>(order) * sizeof(CplxFloat)
+                                              : fft_work<CplxDouble>(order) * sizeof(CplxDouble);
+    if (!ctx->orderTbl[kind == kKindC ? kTblPlanC : kTblPlanZ][order] || !ctx->swapList[order] ||
+        !set.buffer[kScratchFft] || std::uint64_t(set.length[kScratchFft]) * 8 < work)
+        return false;
+    return !split || (set.buffer[kScratchSplit] &&
+                      std::uint64_t(set.length[kScratchSplit]) * 8 >=
+                                                  (std::uint64_t(elem_size(kind)) << order));
+}
+
+}  // namespace
+
+ThreadContext* fft_tables(const Site& site, CplxKind kind, int order, bool split) {
     ThreadContext* ctx = context();
+    if (ready(ctx, kind, order, split)) return ctx;
     if (!fft_acquire(ctx, kind, order)) {
         site.no_memory("No working Twd memory");
-        return false;
+        return nullptr;
     }
     if (split && !split_buffer(ctx, kind, order)) {
         release_all(ctx);
         if (!split_buffer(ctx, kind, order) || !fft_acquire(ctx, kind, order)) {
             site.no_memory("No working memory");
-            return false;
+            return nullptr;
         }
     }
-    return true;
+    return ctx;
 }
 
 void fft_free(CplxKind kind, int order) { fft_release(context(), kind, order); }
@@ -66,14 +84,13 @@ void fft_free(CplxKind kind, int order) { fft_release(context(), kind, order); }
 namespace {
 
 template <class C>
-void exec(const C* src, C* dst, int order, int flags) {
+void exec(ThreadContext* ctx, const C* src, C* dst, int order, int flags) {
     using R = typename CfftTraits<C>::R;
     constexpr CplxKind kind = CfftTraits<C>::kind;
     if (order == 0) {
         dst[0] = src[0];
         return;
     }
-    ThreadContext* ctx = context();
     const auto* plan = static_cast<const FftPlan<C>*>(ctx->orderTbl[kind == kKindC ? kTblPlanC : kTblPlanZ][order]);
     C* work = static_cast<C*>(ctx->scratch[kind].buffer[kScratchFft]);
     const std::int32_t* list = ctx->swapList[order];
@@ -85,7 +102,15 @@ void exec(const C* src, C* dst, int order, int flags) {
         else
             ops.run_z(plan, in, out, work, inverse);
     };
-    if (flags & VEK_InBitRev) {
+    const bool revIn = flags & VEK_InBitRev, revOut = (flags & VEK_OutBitRev) && !revIn;
+    if ((revIn || revOut) && plan->rev.passes) {
+        // In place between the orders, no permutation.
+        if (src != dst) std::memcpy(dst, src, sizeof(C) << order);
+        if constexpr (kind == kKindC)
+            ops.rev_c(plan, dst, inverse, revIn);
+        else
+            ops.rev_z(plan, dst, inverse, revIn);
+    } else if (revIn) {
         if (src != dst)
             bitrev_copy(src, dst, order, list);
         else
@@ -93,7 +118,7 @@ void exec(const C* src, C* dst, int order, int flags) {
         run(dst, dst);
     } else {
         run(src, dst);
-        if (flags & VEK_OutBitRev) bitrev_inplace(dst, order, list);
+        if (revOut) bitrev_inplace(dst, order, list);
     }
     if (inverse && !(flags & VEK_NoScale)) {
         const std::size_t n = std::size_t(2) << order;
@@ -106,12 +131,13 @@ void exec(const C* src, C* dst, int order, int flags) {
 }
 
 template <class R, class C>
-void exec_split(const R* reIn, const R* imIn, R* reOut, R* imOut, int order, int flags) {
+void exec_split(ThreadContext* ctx, const R* reIn, const R* imIn, R* reOut, R* imOut, int order,
+                int flags) {
     constexpr CplxKind kind = CfftTraits<C>::kind;
-    C* buf = static_cast<C*>(context()->scratch[kind].buffer[kScratchSplit]);
+    C* buf = static_cast<C*>(ctx->scratch[kind].buffer[kScratchSplit]);
     const std::size_t n = std::size_t(1) << order;
     for (std::size_t i = 0; i < n; ++i) buf[i] = C{reIn[i], imIn[i]};
-    exec(buf, buf, order, flags);
+    exec(ctx, buf, buf, order, flags);
     for (std::size_t i = 0; i < n; ++i) {
         reOut[i] = buf[i].re;
         imOut[i] = buf[i].im;
@@ -120,15 +146,19 @@ void exec_split(const R* reIn, const R* imIn, R* reOut, R* imOut, int order, int
 
 }  // namespace
 
-void fft_exec(const CplxFloat* src, CplxFloat* dst, int order, int flags) { exec(src, dst, order, flags); }
-void fft_exec(const CplxDouble* src, CplxDouble* dst, int order, int flags) { exec(src, dst, order, flags); }
-void fft_exec_split(const float* reIn, const float* imIn, float* reOut, float* imOut, int order,
-                    int flags) {
-    exec_split<float, CplxFloat>(reIn, imIn, reOut, imOut, order, flags);
+void fft_exec(ThreadContext* ctx, const CplxFloat* src, CplxFloat* dst, int order, int flags) {
+    exec(ctx, src, dst, order, flags);
 }
-void fft_exec_split(const double* reIn, const double* imIn, double* reOut, double* imOut,
-                    int order, int flags) {
-    exec_split<double, CplxDouble>(reIn, imIn, reOut, imOut, order, flags);
+void fft_exec(ThreadContext* ctx, const CplxDouble* src, CplxDouble* dst, int order, int flags) {
+    exec(ctx, src, dst, order, flags);
+}
+void fft_exec_split(ThreadContext* ctx, const float* reIn, const float* imIn, float* reOut,
+                    float* imOut, int order, int flags) {
+    exec_split<float, CplxFloat>(ctx, reIn, imIn, reOut, imOut, order, flags);
+}
+void fft_exec_split(ThreadContext* ctx, const double* reIn, const double* imIn, double* reOut,
+                    double* imOut, int order, int flags) {
+    exec_split<double, CplxDouble>(ctx, reIn, imIn, reOut, imOut, order, flags);
 }
 
 }  // namespace vek

@@ -30,18 +30,19 @@ bool fft_flags_ok(const Site& site, int flags);
 
 // Plan, swap list and work area of this order ("No working Twd memory"),
 // and for the split forms the interleaved copy ("No working memory").
-bool fft_tables(const Site& site, CplxKind kind, int order, bool split);
+// Returns the thread's context, or null after the report.
+ThreadContext* fft_tables(const Site& site, CplxKind kind, int order, bool split);
 
 // VEK_Free: this order's plan and swap list, and the FFT work area.
 void fft_free(CplxKind kind, int order);
 
-// The transform after its checks, with the tables acquired. src may equal
-// dst; src is only read.
-void fft_exec(const CplxFloat* src, CplxFloat* dst, int order, int flags);
-void fft_exec(const CplxDouble* src, CplxDouble* dst, int order, int flags);
-void fft_exec_split(const float* reIn, const float* imIn, float* reOut, float* imOut, int order,
-                    int flags);
-void fft_exec_split(const double* reIn, const double* imIn, double* reOut, double* imOut,
-                    int order, int flags);
+// The transform after its checks, with the tables acquired in ctx. src may
+// equal dst; src is only read.
+void fft_exec(ThreadContext* ctx, const CplxFloat* src, CplxFloat* dst, int order, int flags);
+void fft_exec(ThreadContext* ctx, const CplxDouble* src, CplxDouble* dst, int order, int flags);
+void fft_exec_split(ThreadContext* ctx, const float* reIn, const float* imIn, float* reOut,
+                    float* imOut, int order, int flags);
+void fft_exec_split(ThreadContext* ctx, const double* reIn, const double* imIn, double* reOut,
+                    double* imOut, int order, int flags);
 
 }  // namespace vek

@@ -9,7 +9,7 @@
 // twiddles from its own table, in the order the loop uses them.
 //
 // Large orders (four_step_order) are split as N = R x C (R rows of C
-// points): FFTs down the columns, kLanes columns at a time in a small
+// points): FFTs down the columns, a block of columns at a time in a small
 // buffer, a twiddle W_N^(row*col) composed from two tables, FFTs along the
 // rows, and a transposed store. Every sub-transform then works in cache.
 #pragma once
@@ -45,7 +45,12 @@ enum FftPassKind : int {
     kPassTw8,     // radix 8, the same with W^p .. W^7p
     kPassLast2,   // the last pass (m = 1): no twiddles
     kPassLast4,
-    kPassLast8
+    kPassLast8,
+    // In place, for bit-reversed order: blocks of radix*h points, span h
+    // (kept in m); twiddles W^(r*j), j < h, as radix-1 arrays of h.
+    kPassRev4,
+    kPassRev8,
+    kPassRevEnd4  // blocks of 4 contiguous points, no twiddles
 };
 
 struct FftPass {
@@ -74,6 +79,10 @@ struct FftPlan {
     int colsLog;  // four-step: log2 C
     int lanes;    // four-step: columns per block
     FftSchedule<C> whole;  // direct
+    // Direct, order 4 and above: in-place passes between natural and
+    // bit-reversed order (decimation in frequency in this order, in time
+    // backwards). Empty otherwise.
+    FftSchedule<C> rev;
     // Four-step: the column FFTs (lanes interleaved), the row FFTs,
     FftSchedule<C> rows;
     FftSchedule<C> cols;
@@ -100,6 +109,10 @@ struct FftOps {
                   CplxFloat* work, bool inverse);
     void (*run_z)(const FftPlan<CplxDouble>* plan, const CplxDouble* src, CplxDouble* dst,
                   CplxDouble* work, bool inverse);
+    // In place between natural and bit-reversed order (plan->rev):
+    // natural to bit-reversed, or with `fromRev` bit-reversed to natural.
+    void (*rev_c)(const FftPlan<CplxFloat>* plan, CplxFloat* x, bool inverse, bool fromRev);
+    void (*rev_z)(const FftPlan<CplxDouble>* plan, CplxDouble* x, bool inverse, bool fromRev);
     // Multiplies n real values by f.
     void (*scale_s)(float* x, std::size_t n, float f);
     void (*scale_d)(double* x, std::size_t n, double f);

@@ -58,6 +58,14 @@ struct F2 {  // two complex floats
         store(y + 4, _mm_movehl_ps(b, a));
         store(y + 6, _mm_movehl_ps(d, c));
     }
+    // a[i] = y[4i], b[i] = y[4i + 1], c[i] = y[4i + 2], d[i] = y[4i + 3]
+    VEK_KERNEL void load4(const C* y, V& a, V& b, V& c, V& d) {
+        const V v0 = load(y), v1 = load(y + 2), v2 = load(y + 4), v3 = load(y + 6);
+        a = _mm_movelh_ps(v0, v2);
+        b = _mm_movehl_ps(v2, v0);
+        c = _mm_movelh_ps(v1, v3);
+        d = _mm_movehl_ps(v3, v1);
+    }
 };
 
 struct F1 : F2 {  // one complex float, in the low half
@@ -72,6 +80,12 @@ struct F1 : F2 {  // one complex float, in the low half
         store(y + 1, b);
         store(y + 2, c);
         store(y + 3, d);
+    }
+    VEK_KERNEL void load4(const C* y, V& a, V& b, V& c, V& d) {
+        a = load(y);
+        b = load(y + 1);
+        c = load(y + 2);
+        d = load(y + 3);
     }
 };
 
@@ -104,6 +118,12 @@ struct D1 {  // one complex double
         store(y + 1, b);
         store(y + 2, c);
         store(y + 3, d);
+    }
+    VEK_KERNEL void load4(const C* y, V& a, V& b, V& c, V& d) {
+        a = load(y);
+        b = load(y + 1);
+        c = load(y + 2);
+        d = load(y + 3);
     }
 };
 
@@ -145,6 +165,14 @@ struct F4 {  // four complex floats
         store(y + 8, v[2]);
         store(y + 12, v[3]);
     }
+    VEK_KERNEL void load4(const C* y, V& a, V& b, V& c, V& d) {
+        V v[4] = {load(y), load(y + 4), load(y + 8), load(y + 12)};
+        transpose(v);
+        a = v[0];
+        b = v[1];
+        c = v[2];
+        d = v[3];
+    }
 };
 
 struct D2 {  // two complex doubles
@@ -175,6 +203,13 @@ struct D2 {  // two complex doubles
         store(y + 2, _mm256_permute2f128_pd(c, d, 0x20));
         store(y + 4, _mm256_permute2f128_pd(a, b, 0x31));
         store(y + 6, _mm256_permute2f128_pd(c, d, 0x31));
+    }
+    VEK_KERNEL void load4(const C* y, V& a, V& b, V& c, V& d) {
+        const V v0 = load(y), v1 = load(y + 2), v2 = load(y + 4), v3 = load(y + 6);
+        a = _mm256_permute2f128_pd(v0, v2, 0x20);
+        b = _mm256_permute2f128_pd(v0, v2, 0x31);
+        c = _mm256_permute2f128_pd(v1, v3, 0x20);
+        d = _mm256_permute2f128_pd(v1, v3, 0x31);
     }
 };
 #endif
@@ -233,6 +268,14 @@ struct D4 {  // four complex doubles
         store(y + 4, v[1]);
         store(y + 8, v[2]);
         store(y + 12, v[3]);
+    }
+    VEK_KERNEL void load4(const C* y, V& a, V& b, V& c, V& d) {
+        V v[4] = {load(y), load(y + 4), load(y + 8), load(y + 12)};
+        transpose(v);
+        a = v[0];
+        b = v[1];
+        c = v[2];
+        d = v[3];
     }
 };
 #endif
@@ -429,6 +472,112 @@ void last8(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t
     }
 }
 
+// ------------------------------------------------------------ bit-reversed
+//
+// In place, without a permutation: decimation in frequency takes natural
+// order to bit-reversed order when each butterfly stores its outputs in
+// bit-reversed order within its block; decimation in time undoes it.
+
+constexpr int kRev3[8] = {0, 4, 2, 6, 1, 5, 3, 7};
+
+template <class V, bool Inv>
+VEK_KERNEL typename V::V cmulv(typename V::V v, typename V::V w) {
+    return cmul<V, Inv>(v, V::dup_re(w), V::dup_im(w));
+}
+
+template <class V, bool Inv>
+void dif4(typename V::C* x, std::size_t n, std::size_t h, const typename V::C* tw) {
+    using VT = typename V::V;
+    for (std::size_t blk = 0; blk < n; blk += 4 * h) {
+        typename V::C* x0 = x + blk;
+        for (std::size_t j = 0; j < h; j += V::W) {
+            VT a = V::load(x0 + j), b = V::load(x0 + h + j), c = V::load(x0 + 2 * h + j),
+               d = V::load(x0 + 3 * h + j);
+            dft4<V, Inv>(a, b, c, d);
+            V::store(x0 + j, a);
+            V::store(x0 + h + j, cmulv<V, Inv>(c, V::load(tw + h + j)));
+            V::store(x0 + 2 * h + j, cmulv<V, Inv>(b, V::load(tw + j)));
+            V::store(x0 + 3 * h + j, cmulv<V, Inv>(d, V::load(tw + 2 * h + j)));
+        }
+    }
+}
+
+template <class V, bool Inv>
+void dif8(typename V::C* x, std::size_t n, std::size_t h, const typename V::C* tw) {
+    using VT = typename V::V;
+    for (std::size_t blk = 0; blk < n; blk += 8 * h) {
+        typename V::C* x0 = x + blk;
+        for (std::size_t j = 0; j < h; j += V::W) {
+            VT v[8];
+            for (int k = 0; k < 8; ++k) v[k] = V::load(x0 + k * h + j);
+            dft8<V, Inv>(v);
+            V::store(x0 + j, v[0]);
+            for (int t = 1; t < 8; ++t) {
+                const int r = kRev3[t];
+                V::store(x0 + t * h + j, cmulv<V, Inv>(v[r], V::load(tw + (r - 1) * h + j)));
+            }
+        }
+    }
+}
+
+// The last step on blocks of 4 contiguous points, several blocks per vector.
+template <class V, bool Inv>
+void dif_end4(typename V::C* x, std::size_t n) {
+    using VT = typename V::V;
+    for (std::size_t blk = 0; blk < n; blk += 4 * V::W) {
+        VT a, b, c, d;
+        V::load4(x + blk, a, b, c, d);
+        dft4<V, Inv>(a, b, c, d);
+        V::store4(x + blk, a, c, b, d);
+    }
+}
+
+template <class V, bool Inv>
+void dit_first4(typename V::C* x, std::size_t n) {
+    using VT = typename V::V;
+    for (std::size_t blk = 0; blk < n; blk += 4 * V::W) {
+        VT a, b, c, d;
+        V::load4(x + blk, a, c, b, d);
+        dft4<V, Inv>(a, b, c, d);
+        V::store4(x + blk, a, b, c, d);
+    }
+}
+
+template <class V, bool Inv>
+void dit4(typename V::C* x, std::size_t n, std::size_t h, const typename V::C* tw) {
+    using VT = typename V::V;
+    for (std::size_t blk = 0; blk < n; blk += 4 * h) {
+        typename V::C* x0 = x + blk;
+        for (std::size_t j = 0; j < h; j += V::W) {
+            VT a = V::load(x0 + j);
+            VT b = cmulv<V, Inv>(V::load(x0 + 2 * h + j), V::load(tw + j));
+            VT c = cmulv<V, Inv>(V::load(x0 + h + j), V::load(tw + h + j));
+            VT d = cmulv<V, Inv>(V::load(x0 + 3 * h + j), V::load(tw + 2 * h + j));
+            dft4<V, Inv>(a, b, c, d);
+            V::store(x0 + j, a);
+            V::store(x0 + h + j, b);
+            V::store(x0 + 2 * h + j, c);
+            V::store(x0 + 3 * h + j, d);
+        }
+    }
+}
+
+template <class V, bool Inv>
+void dit8(typename V::C* x, std::size_t n, std::size_t h, const typename V::C* tw) {
+    using VT = typename V::V;
+    for (std::size_t blk = 0; blk < n; blk += 8 * h) {
+        typename V::C* x0 = x + blk;
+        for (std::size_t j = 0; j < h; j += V::W) {
+            VT v[8];
+            v[0] = V::load(x0 + j);
+            for (int r = 1; r < 8; ++r)
+                v[r] = cmulv<V, Inv>(V::load(x0 + kRev3[r] * h + j), V::load(tw + (r - 1) * h + j));
+            dft8<V, Inv>(v);
+            for (int k = 0; k < 8; ++k) V::store(x0 + k * h + j, v[k]);
+        }
+    }
+}
+
 // ------------------------------------------------------------ transforms
 
 template <class C>
@@ -584,6 +733,49 @@ void run(const FftPlan<C>* pl, const C* src, C* dst, C* work, bool inverse) {
     }
 }
 
+template <class C, bool Inv>
+void rev_passes(const FftSchedule<C>& sc, C* x, bool fromRev) {
+    using R = typename RealOf<C>::type;
+    const std::size_t n = std::size_t(1) << sc.order;
+    for (int k = 0; k < sc.passes; ++k) {
+        const FftPass& ps = sc.pass[fromRev ? sc.passes - 1 - k : k];
+        const C* tw = sc.tw + ps.tw;
+        if (ps.kind == kPassRevEnd4) {
+            by_width<true>(static_cast<R*>(nullptr), n / 4, [&](auto t) {
+                using V = typename decltype(t)::type;
+                if (fromRev)
+                    dit_first4<V, Inv>(x, n);
+                else
+                    dif_end4<V, Inv>(x, n);
+            });
+        } else {
+            by_width(static_cast<R*>(nullptr), ps.m, [&](auto t) {
+                using V = typename decltype(t)::type;
+                if (ps.kind == kPassRev8)
+                    fromRev ? dit8<V, Inv>(x, n, ps.m, tw) : dif8<V, Inv>(x, n, ps.m, tw);
+                else
+                    fromRev ? dit4<V, Inv>(x, n, ps.m, tw) : dif4<V, Inv>(x, n, ps.m, tw);
+            });
+        }
+    }
+}
+
+template <class C>
+void rev(const FftPlan<C>* pl, C* x, bool inverse, bool fromRev) {
+    if (inverse)
+        rev_passes<C, true>(pl->rev, x, fromRev);
+    else
+        rev_passes<C, false>(pl->rev, x, fromRev);
+}
+
+void rev_c(const FftPlan<CplxFloat>* pl, CplxFloat* x, bool inverse, bool fromRev) {
+    rev(pl, x, inverse, fromRev);
+}
+
+void rev_z(const FftPlan<CplxDouble>* pl, CplxDouble* x, bool inverse, bool fromRev) {
+    rev(pl, x, inverse, fromRev);
+}
+
 void run_c(const FftPlan<CplxFloat>* pl, const CplxFloat* src, CplxFloat* dst, CplxFloat* work,
            bool inverse) {
     run(pl, src, dst, work, inverse);
@@ -606,7 +798,7 @@ void scale_d(double* x, std::size_t n, double f) {
 
 }  // namespace
 
-extern const FftOps fft_ops = {run_c, run_z, scale_s, scale_d};
+extern const FftOps fft_ops = {run_c, run_z, rev_c, rev_z, scale_s, scale_d};
 
 }  // namespace VEK_ISA
 }  // namespace vek

@@ -248,11 +248,35 @@ std::size_t plan_passes(FftSchedule<C>& s, int order, bool first) {
         int a = r / 3, b = 0;
         if (r % 3 == 2) b = 1;
         if (r % 3 == 1) a -= 1, b = 2;
-        if (best < 0 || a + b < bestA + bestB) best = last, bestA = a, bestB = b;
+        if (best < 0 || a + b < bestA + bestB || (a + b == bestA + bestB && b < bestB))
+            best = last, bestA = a, bestB = b;
     }
     for (int i = 0; i < bestA; ++i) add(kPassTw8, 3);
     for (int i = 0; i < bestB; ++i) add(kPassTw4, 2);
     add(best == 3 ? kPassLast8 : kPassLast4, best);
+    return tw;
+}
+
+// The in-place passes between natural and bit-reversed order, from the
+// largest blocks down: radix 8 where the bits allow, a last radix-4 pass on
+// blocks of 4 (so that every other pass has a span of 4 or more).
+template <class C>
+std::size_t plan_rev_passes(FftSchedule<C>& s, int order) {
+    s.order = order;
+    s.passes = 0;
+    if (order < 4) return 0;
+    const int rest = order - 2;
+    int a = rest / 3, b = 0;
+    if (rest % 3 == 2) b = 1;
+    if (rest % 3 == 1) a -= 1, b = 2;
+    std::size_t n = std::size_t(1) << order, tw = 0;
+    for (int i = 0; i < a + b; ++i) {
+        const std::size_t radix = i < a ? 8 : 4;
+        n /= radix;
+        s.pass[s.passes++] = FftPass{i < a ? kPassRev8 : kPassRev4, n, tw};
+        tw += (radix - 1) * n;
+    }
+    s.pass[s.passes++] = FftPass{kPassRevEnd4, 1, tw};
     return tw;
 }
 
@@ -271,6 +295,9 @@ void fill_passes(const FftSchedule<C>& s, C* tw) {
             for (std::size_t k = 0; k < p.m; ++k)
                 for (std::size_t r = 1; r < radix; ++r)
                     t[(radix - 1) * k + r - 1] = root_as<C>(r * k, n);
+        } else if (p.kind == kPassRev4 || p.kind == kPassRev8) {
+            for (std::size_t r = 1; r < radix; ++r)
+                for (std::size_t k = 0; k < p.m; ++k) t[(r - 1) * p.m + k] = root_as<C>(r * k, n);
         }
         n = p.m;
     }
@@ -283,9 +310,10 @@ FftPlan<C>* build_plan(int order) {
     FftPlan<C> plan{};
     plan.order = order;
     const bool direct = order < four_step_order<C>();
-    std::size_t wholeTw = 0, rowsTw = 0, colsTw = 0, lane = 0, block = 0;
+    std::size_t wholeTw = 0, revTw = 0, rowsTw = 0, colsTw = 0, lane = 0, block = 0;
     if (direct) {
         wholeTw = plan_passes(plan.whole, order, true);
+        revTw = plan_rev_passes(plan.rev, order);
     } else {
         plan.rowsLog = order / 2;
         plan.colsLog = order - plan.rowsLog;
@@ -296,7 +324,8 @@ FftPlan<C>* build_plan(int order) {
         lane = r * plan.lanes;
         block = (c / plan.lanes) * r;
     }
-    const std::uint64_t bytes = head + round64(wholeTw * sizeof(C)) + round64(rowsTw * sizeof(C)) +
+    const std::uint64_t bytes = head + round64(wholeTw * sizeof(C)) + round64(revTw * sizeof(C)) +
+                                round64(rowsTw * sizeof(C)) +
                                 round64(colsTw * sizeof(C)) + round64(lane * sizeof(C)) +
                                 round64(block * sizeof(C));
     auto* mem = static_cast<char*>(table_alloc(bytes));
@@ -311,6 +340,9 @@ FftPlan<C>* build_plan(int order) {
         C* tw = take(wholeTw);
         fill_passes(plan.whole, tw);
         plan.whole.tw = tw;
+        C* rv = take(revTw);
+        fill_passes(plan.rev, rv);
+        plan.rev.tw = rv;
     } else {
         C* twr = take(rowsTw);
         C* twc = take(colsTw);

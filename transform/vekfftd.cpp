@@ -12,20 +12,24 @@ extern "C" {
 VEK_API void vekzFft(CplxDouble* samps, int order, int flags) {
     VEK_SITE("vekfftd");
     if (flags & VEK_Free) return vek::fft_free(vek::kKindZ, order);
-    if (!fft_order_ok(site, order) || !fft_tables(site, vek::kKindZ, order, false)) return;
+    if (!fft_order_ok(site, order)) return;
+    vek::ThreadContext* ctx = fft_tables(site, vek::kKindZ, order, false);
+    if (!ctx) return;
     if (flags & VEK_Init) return;
     if (!samps) {
         site.bad("samps==0");
         return;
     }
     if (!fft_flags_ok(site, flags)) return;
-    fft_exec(samps, samps, order, flags);
+    fft_exec(ctx, samps, samps, order, flags);
 }
 
 VEK_API void vekzFftNip(const CplxDouble* inSamps, CplxDouble* outSamps, int order, int flags) {
     VEK_SITE("vekfftd");
     if (flags & VEK_Free) return vek::fft_free(vek::kKindZ, order);
-    if (!fft_order_ok(site, order) || !fft_tables(site, vek::kKindZ, order, false)) return;
+    if (!fft_order_ok(site, order)) return;
+    vek::ThreadContext* ctx = fft_tables(site, vek::kKindZ, order, false);
+    if (!ctx) return;
     if (flags & VEK_Init) return;
     if (!inSamps) {
         site.bad("inSamps==0");
@@ -36,13 +40,15 @@ VEK_API void vekzFftNip(const CplxDouble* inSamps, CplxDouble* outSamps, int ord
         return;
     }
     if (!fft_flags_ok(site, flags)) return;
-    fft_exec(inSamps, outSamps, order, flags);
+    fft_exec(ctx, inSamps, outSamps, order, flags);
 }
 
 VEK_API void vekzrFft(double* reSamps, double* imSamps, int order, int flags) {
     VEK_SITE("vekfftd");
     if (flags & VEK_Free) return vek::fft_free(vek::kKindZ, order);
-    if (!fft_order_ok(site, order) || !fft_tables(site, vek::kKindZ, order, true)) return;
+    if (!fft_order_ok(site, order)) return;
+    vek::ThreadContext* ctx = fft_tables(site, vek::kKindZ, order, true);
+    if (!ctx) return;
     if (flags & VEK_Init) return;
     if (!reSamps) {
         site.bad("reSamps==0");
@@ -53,14 +59,16 @@ VEK_API void vekzrFft(double* reSamps, double* imSamps, int order, int flags) {
         return;
     }
     if (!fft_flags_ok(site, flags)) return;
-    fft_exec_split(reSamps, imSamps, reSamps, imSamps, order, flags);
+    fft_exec_split(ctx, reSamps, imSamps, reSamps, imSamps, order, flags);
 }
 
 VEK_API void vekzrFftNip(const double* reInSamps, const double* imInSamps, double* reOutSamps,
                           double* imOutSamps, int order, int flags) {
     VEK_SITE("vekfftd");
     if (flags & VEK_Free) return vek::fft_free(vek::kKindZ, order);
-    if (!fft_order_ok(site, order) || !fft_tables(site, vek::kKindZ, order, true)) return;
+    if (!fft_order_ok(site, order)) return;
+    vek::ThreadContext* ctx = fft_tables(site, vek::kKindZ, order, true);
+    if (!ctx) return;
     if (flags & VEK_Init) return;
     if (!reInSamps) {
         site.bad("reInSamps==0");
@@ -79,7 +87,7 @@ VEK_API void vekzrFftNip(const double* reInSamps, const double* imInSamps, doubl
         return;
     }
     if (!fft_flags_ok(site, flags)) return;
-    fft_exec_split(reInSamps, imInSamps, reOutSamps, imOutSamps, order, flags);
+    fft_exec_split(ctx, reInSamps, imInSamps, reOutSamps, imOutSamps, order, flags);
 }
 
 }  // extern "C"
