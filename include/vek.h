@@ -280,6 +280,75 @@ VEK_API void vekzrFftNip(const double* reInSamps, const double* imInSamps,
  * Real FFT and packed spectra
  * ======================================================================== */
 
+/* ------------------------------------------------------------------------
+ * FFT of N = 2^order real values (order 0..31) and its inverse. A real
+ * signal's spectrum X[0..N/2] (X[0] and X[N/2] real) is kept in one of
+ * three layouts:
+ *   CCS     N+2 values: X[0].re, 0, X[1].re, X[1].im, ..., X[N/2].re, 0
+ *   RCPack  N values:   X[0].re, X[1].re, X[1].im, ..., X[N/2-1].im, X[N/2].re
+ *   RCPerm  N values:   X[0].re, X[N/2].re, X[1].re, X[1].im, ..., X[N/2-1].im
+ * flags: VEK_Forw or VEK_Inv (the sign of the exponent; VEK_Inv scales by
+ * 1/N unless VEK_NoScale); VEK_Init builds the tables and returns, VEK_Free
+ * releases them (the data pointers may then be NULL). The l forms take
+ * exactly one layout bit: VEK_OutRCPack or VEK_OutRCPerm (RealFftl),
+ * VEK_InRCPack or VEK_InRCPerm (CcsFftl). Nip forms never write their
+ * input. The 16-bit forms compute in single precision and narrow the
+ * result under scaleMode (modes 0 and 1 round to nearest and saturate).
+ * ------------------------------------------------------------------------ */
+
+/* Real signal to CCS spectrum, in place in N+2 values. */
+VEK_API void veksRealFft(float* samps, int order, int flags);
+VEK_API void vekdRealFft(double* samps, int order, int flags);
+VEK_API void veksRealFftNip(const float* inSamps, float* outSamps, int order, int flags);
+VEK_API void vekdRealFftNip(const double* inSamps, double* outSamps, int order, int flags);
+
+/* CCS spectrum to real signal. */
+VEK_API void veksCcsFft(float* samps, int order, int flags);
+VEK_API void vekdCcsFft(double* samps, int order, int flags);
+VEK_API void veksCcsFftNip(const float* inSamps, float* outSamps, int order, int flags);
+VEK_API void vekdCcsFftNip(const double* inSamps, double* outSamps, int order, int flags);
+
+/* Real signal to RCPack or RCPerm spectrum, in place in N values. */
+VEK_API void veksRealFftl(float* samps, int order, int flags);
+VEK_API void vekdRealFftl(double* samps, int order, int flags);
+VEK_API void veksRealFftlNip(const float* inSamps, float* outSamps, int order, int flags);
+VEK_API void vekdRealFftlNip(const double* inSamps, double* outSamps, int order, int flags);
+
+/* RCPack or RCPerm spectrum to real signal. */
+VEK_API void veksCcsFftl(float* samps, int order, int flags);
+VEK_API void vekdCcsFftl(double* samps, int order, int flags);
+VEK_API void veksCcsFftlNip(const float* inSamps, float* outSamps, int order, int flags);
+VEK_API void vekdCcsFftlNip(const double* inSamps, double* outSamps, int order, int flags);
+
+/* Two signals at once, each as by the one-signal form. */
+VEK_API void veksReal2Fft(float* xSamps, float* ySamps, int order, int flags);
+VEK_API void vekdReal2Fft(double* xSamps, double* ySamps, int order, int flags);
+VEK_API void veksReal2FftNip(const float* xInSamps, float* xOutSamps,
+                             const float* yInSamps, float* yOutSamps, int order,
+                             int flags);
+VEK_API void vekdReal2FftNip(const double* xInSamps, double* xOutSamps,
+                             const double* yInSamps, double* yOutSamps, int order,
+                             int flags);
+VEK_API void veksCcs2Fft(float* xSamps, float* ySamps, int order, int flags);
+VEK_API void vekdCcs2Fft(double* xSamps, double* ySamps, int order, int flags);
+VEK_API void veksCcs2FftNip(const float* xInSamps, float* xOutSamps,
+                            const float* yInSamps, float* yOutSamps, int order,
+                            int flags);
+VEK_API void vekdCcs2FftNip(const double* xInSamps, double* xOutSamps,
+                            const double* yInSamps, double* yOutSamps, int order,
+                            int flags);
+
+/* Products of two spectra of N = 2^order points in a packed layout:
+ * dst = dst * src (2) or dst = srcA * srcB (3). */
+VEK_API void veksMpyRCPack2(const float* src, float* dst, int order);
+VEK_API void vekdMpyRCPack2(const double* src, double* dst, int order);
+VEK_API void veksMpyRCPack3(const float* srcA, const float* srcB, float* dst, int order);
+VEK_API void vekdMpyRCPack3(const double* srcA, const double* srcB, double* dst, int order);
+VEK_API void veksMpyRCPerm2(const float* src, float* dst, int order);
+VEK_API void vekdMpyRCPerm2(const double* src, double* dst, int order);
+VEK_API void veksMpyRCPerm3(const float* srcA, const float* srcB, float* dst, int order);
+VEK_API void vekdMpyRCPerm3(const double* srcA, const double* srcB, double* dst, int order);
+
 /* end of Real FFT and packed spectra */
 
 /* ========================================================================
