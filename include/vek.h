@@ -413,6 +413,14 @@ VEK_API CplxShort vekvbGoertz(GoertzState* stPtr, const CplxShort* inSamps, int 
  * DCT
  * ======================================================================== */
 
+/* Orthonormal DCT of any length len >= 1: forward (VEK_Forw) type II,
+ * X[k] = c(k) * sum x[n] cos(pi (2n+1) k / 2len) with c(0) = 1/sqrt(len)
+ * and c(k) = sqrt(2/len), inverse (VEK_Inv) type III, so that the inverse
+ * restores the input. Exactly one of the two flags; flags == VEK_Free alone
+ * releases the thread's DCT tables. src may equal dst. */
+VEK_API void veksDct(const float* src, float* dst, int len, int flags);
+VEK_API void vekdDct(const double* src, double* dst, int len, int flags);
+
 /* end of DCT */
 
 #ifdef __cplusplus

@@ -52,6 +52,10 @@ struct RealFftOps {
     void (*dct_pre_s)(const float* y, float* v, std::size_t n, const float* tc, const float* ts);
     void (*dct_pre_d)(const double* y, double* v, std::size_t n, const double* tc,
                       const double* ts);
+    // y = sum of x[i] times row i of the n x n matrix m, n a power of two up
+    // to 32; y may equal x.
+    void (*dct_matrix_s)(const float* m, const float* x, float* y, std::size_t n);
+    void (*dct_matrix_d)(const double* m, const double* x, double* y, std::size_t n);
 };
 
 namespace sse2 {

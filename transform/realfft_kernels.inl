@@ -143,10 +143,31 @@ VEK_KERNEL void recomb_step(typename X::V a, typename X::V b, typename X::V w, t
     back = X::conj(hs - pd);
 }
 
+// The pairs k..half from the copy `mid` (which starts at pair k0), in
+// blocks of L/2 values while front and back blocks stay apart, then
+// narrower ones; the middle pair (k = half) stores one value.
+template <class R, int L>
+VEK_KERNEL void recomb_tail(const R* mid, R* dst, std::size_t m, std::size_t k, std::size_t k0,
+                            const R* twr, R h, R c1, R c2, int osh) {
+    static_assert(L >= 2, "whole complex values");
+    using X = Vx<R, L>;
+    constexpr std::size_t W = L / 2;
+    const std::size_t half = m / 2;
+    const typename X::V h_ = X::splat(h), k1 = X::splat(c1), k2 = X::alt(c2);
+    for (; k + W <= half || (W == 1 && k <= half); k += W) {
+        const std::size_t j0 = m - k - W + 1;
+        typename X::V front, back;
+        recomb_step<X>(X::load(mid + 2 * (k - k0)), X::rev_pairs(X::load(mid + 2 * (j0 - k0))),
+                       X::load(twr + 2 * k), h_, k1, k2, front, back);
+        X::store(dst + 2 * k - osh, front);
+        if (k != half) X::store(dst + 2 * j0 - osh, X::rev_pairs(back));
+    }
+    if constexpr (L > 2) recomb_tail<R, L / 2>(mid, dst, m, k, k0, twr, h, c1, c2, osh);
+}
+
 template <class R, class C>
 void recomb(const R* src, R* dst, std::size_t m, const C* tw, R h, R c1, R c2, int ish, int osh) {
     using X = Wide<R>;
-    using X1 = One<R>;
     constexpr std::size_t W = X::kL / 2;
     const std::size_t half = m / 2;
     const std::size_t blocks = (half - 1) / W;
@@ -179,14 +200,7 @@ void recomb(const R* src, R* dst, std::size_t m, const C* tw, R h, R c1, R c2, i
         }
     }
 
-    const typename X1::V h1 = X1::splat(h), k11 = X1::splat(c1), k21 = X1::alt(c2);
-    for (std::size_t k = krem; k <= half; ++k) {
-        typename X1::V front, back;
-        recomb_step<X1>(X1::load(mid + 2 * (k - krem)), X1::load(mid + 2 * (m - k - krem)),
-                        X1::load(twr + 2 * k), h1, k11, k21, front, back);
-        X1::store(dst + 2 * k - osh, front);
-        if (k != half) X1::store(dst + 2 * (m - k) - osh, back);
-    }
+    recomb_tail<R, (X::kL > 2 ? X::kL / 2 : 2)>(mid, dst, m, krem, krem, twr, h, c1, c2, osh);
 }
 
 // ------------------------------------------------------------ products
@@ -296,6 +310,44 @@ void dct_pre(const R* y, R* v, std::size_t n, const R* tc, const R* ts) {
     }
 }
 
+// y = sum over i of x[i] times row i of the n x n matrix m (n a power of
+// two up to 32). All of x is read before y is written.
+template <class R, int N>
+VEK_KERNEL void axpy_rows(const R* m, const R* x, R* y) {
+    typedef R V __attribute__((vector_size(N * sizeof(R))));
+    V acc = {};
+    for (int i = 0; i < N; ++i) {
+        V row;
+        std::memcpy(&row, m + i * N, sizeof row);
+        acc += row * x[i];
+    }
+    std::memcpy(y, &acc, sizeof acc);
+}
+
+template <class R>
+void dct_matrix(const R* m, const R* x, R* y, std::size_t n) {
+    switch (n) {
+        case 1:
+            y[0] = m[0] * x[0];
+            break;
+        case 2:
+            axpy_rows<R, 2>(m, x, y);
+            break;
+        case 4:
+            axpy_rows<R, 4>(m, x, y);
+            break;
+        case 8:
+            axpy_rows<R, 8>(m, x, y);
+            break;
+        case 16:
+            axpy_rows<R, 16>(m, x, y);
+            break;
+        default:
+            axpy_rows<R, 32>(m, x, y);
+            break;
+    }
+}
+
 void recomb_s(const float* src, float* dst, std::size_t m, const CplxFloat* tw, float h, float c1,
               float c2, int ish, int osh) {
     recomb(src, dst, m, tw, h, c1, c2, ish, osh);
@@ -309,10 +361,16 @@ void recomb_d(const double* src, double* dst, std::size_t m, const CplxDouble* t
 
 }  // namespace
 
-extern const RealFftOps realfft_ops = {recomb_s,         recomb_d,          cmul<float>,
-                                       cmul<double>,     dct_split<float>,  dct_split<double>,
-                                       dct_merge<float>, dct_merge<double>, dct_post<float>,
-                                       dct_post<double>, dct_pre<float>,    dct_pre<double>};
+// clang-format off
+extern const RealFftOps realfft_ops = {
+    recomb_s, recomb_d,
+    cmul<float>, cmul<double>,
+    dct_split<float>, dct_split<double>,
+    dct_merge<float>, dct_merge<double>,
+    dct_post<float>, dct_post<double>,
+    dct_pre<float>, dct_pre<double>,
+    dct_matrix<float>, dct_matrix<double>};
+// clang-format on
 
 }  // namespace VEK_ISA
 }  // namespace vek
