@@ -31,8 +31,8 @@ struct Side<CplxFloat> {
     static C* alloc(int n) { return vekcMalloc(n); }
     static void* falloc(int n) { return fftwf_malloc(sizeof(fftwf_complex) * std::size_t(n)); }
     static Plan plan(int n, void* buf, int dir) {
-        return fftwf_plan_dft_1d(n, static_cast<fftwf_complex*>(buf), static_cast<fftwf_complex*>(buf),
-                                 dir, FFTW_MEASURE);
+        return fftwf_plan_dft_1d(n, static_cast<fftwf_complex*>(buf),
+                                 static_cast<fftwf_complex*>(buf), dir, FFTW_MEASURE);
     }
     static void exec(Plan p) { fftwf_execute(p); }
     static void destroy(Plan p) { fftwf_destroy_plan(p); }
@@ -47,8 +47,8 @@ struct Side<CplxDouble> {
     static C* alloc(int n) { return vekzMalloc(n); }
     static void* falloc(int n) { return fftw_malloc(sizeof(fftw_complex) * std::size_t(n)); }
     static Plan plan(int n, void* buf, int dir) {
-        return fftw_plan_dft_1d(n, static_cast<fftw_complex*>(buf), static_cast<fftw_complex*>(buf), dir,
-                                FFTW_MEASURE);
+        return fftw_plan_dft_1d(n, static_cast<fftw_complex*>(buf), static_cast<fftw_complex*>(buf),
+                                dir, FFTW_MEASURE);
     }
     static void exec(Plan p) { fftw_execute(p); }
     static void destroy(Plan p) { fftw_destroy_plan(p); }

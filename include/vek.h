@@ -178,17 +178,123 @@ VEK_API const LibVersion* vekGetLibVersion(void);
  * Float and integer conversions
  * ======================================================================== */
 
+/* The flags word. veksbIntToFloat and vekdbIntToFloat take 0 (signed
+ * integers) or VEK_CvtUnsigned. veksbFloatToInt and vekdbFloatToInt take
+ * exactly one rounding bit, optionally with the other three. */
+enum {
+    VEK_RndNear = 128,       /* round to nearest, ties to even */
+    VEK_RndZero = 256,       /* round toward zero */
+    VEK_RndFloor = 512,      /* round toward minus infinity */
+    VEK_RndCeil = 1024,      /* round toward plus infinity */
+    VEK_CvtUnsigned = 2048,  /* the integers are unsigned */
+    VEK_CvtSaturate = 4096,  /* out of range: store the nearer limit (NaN: 0) */
+    VEK_CvtReport = 8192     /* out of range: report it and go on */
+};
+
+/* The integer array is read or written at intSize bits (8, 16 or 32). Both
+ * directions first clear the thread's status, then run and report every
+ * argument check before they return on a failure. A float-to-integer
+ * conversion rounds exactly, whatever the processor's rounding mode. An
+ * element outside the integer range, NaN included, is saturated and/or
+ * reported as the flags say; with neither bit it is left unwritten. */
+VEK_API void veksbIntToFloat(const void* src, float* dst, int len, int intSize,
+                             int flags);
+VEK_API void vekdbIntToFloat(const void* src, double* dst, int len,
+                             int intSize, int flags);
+VEK_API void veksbFloatToInt(const float* src, void* dst, int len, int intSize,
+                             int flags);
+VEK_API void vekdbFloatToInt(const double* src, void* dst, int len,
+                             int intSize, int flags);
+
 /* end of Float and integer conversions */
 
 /* ========================================================================
  * Dot products
  * ======================================================================== */
 
+/* The sum of srcA[i] * srcB[i]; no operand is conjugated. Two type letters
+ * name the first and the second operand. len 0 gives 0; a failed check
+ * returns 0. The floating forms sum in double precision, in 16 partial sums
+ * (term i into sum i mod 16, a complex element counting as two terms),
+ * added pairwise at the end: the same result on every processor. */
+VEK_API float veksDotProd(const float* srcA, const float* srcB, int len);
+VEK_API double vekdDotProd(const double* srcA, const double* srcB, int len);
+VEK_API CplxFloat vekcDotProd(const CplxFloat* srcA, const CplxFloat* srcB,
+                              int len);
+VEK_API CplxFloat vekcsDotProd(const CplxFloat* srcA, const float* srcB,
+                               int len);
+VEK_API CplxFloat vekscDotProd(const float* srcA, const CplxFloat* srcB,
+                               int len);
+VEK_API CplxDouble vekzDotProd(const CplxDouble* srcA, const CplxDouble* srcB,
+                               int len);
+VEK_API CplxDouble vekzdDotProd(const CplxDouble* srcA, const double* srcB,
+                                int len);
+VEK_API CplxDouble vekdzDotProd(const double* srcA, const CplxDouble* srcB,
+                                int len);
+
+/* 16-bit forms: the exact sums modulo 2^32, narrowed to 16 bits by the scale
+ * mode (in auto mode one factor serves re and im). */
+VEK_API short vekwDotProd(const short* srcA, const short* srcB, int len,
+                          int scaleMode, int* scaleFactor);
+VEK_API CplxShort vekvDotProd(const CplxShort* srcA, const CplxShort* srcB,
+                              int len, int scaleMode, int* scaleFactor);
+VEK_API CplxShort vekwvDotProd(const short* srcA, const CplxShort* srcB,
+                               int len, int scaleMode, int* scaleFactor);
+VEK_API CplxShort vekvwDotProd(const CplxShort* srcA, const short* srcB,
+                               int len, int scaleMode, int* scaleFactor);
+
+/* The same 32-bit sums, returned whole. scaleMode exactly VEK_AUTO_SCALE
+ * writes 0 to *scaleFactor; exactly VEK_FIXED_SCALE shifts by *scaleFactor
+ * (right when positive, left when negative, no saturation); any other mode
+ * leaves the sums as they are. */
+VEK_API int vekwDotProdExt(const short* srcA, const short* srcB, int len,
+                           int scaleMode, int* scaleFactor);
+VEK_API CplxInt vekvDotProdExt(const CplxShort* srcA, const CplxShort* srcB,
+                               int len, int scaleMode, int* scaleFactor);
+VEK_API CplxInt vekwvDotProdExt(const short* srcA, const CplxShort* srcB,
+                                int len, int scaleMode, int* scaleFactor);
+VEK_API CplxInt vekvwDotProdExt(const CplxShort* srcA, const short* srcB,
+                                int len, int scaleMode, int* scaleFactor);
+
 /* end of Dot products */
 
 /* ========================================================================
  * Statistics
  * ======================================================================== */
+
+/* Summaries of vec[0..len). len below 1 or a null vec is reported and gives
+ * 0. The floating sums are taken in double precision in the 16 partial
+ * sums of the dot products. */
+VEK_API float veksMean(const float* vec, int len);
+VEK_API double vekdMean(const double* vec, int len);
+/* The 32-bit sum (wrapping) divided by len toward zero, kept to 16 bits. */
+VEK_API short vekwMean(const short* vec, int len);
+
+/* The mean square, the sum of vec[i]^2 divided by len: no mean is
+ * subtracted and no root taken. The 16-bit form computes it from the exact
+ * sum and narrows it by the scale mode. */
+VEK_API float veksStdDev(const float* vec, int len);
+VEK_API double vekdStdDev(const double* vec, int len);
+VEK_API short vekwStdDev(const short* vec, int len, int scaleMode,
+                         int* scaleFactor);
+
+/* Largest and smallest element. NaN elements are passed over; only when all
+ * are NaN is the result NaN. */
+VEK_API float veksMax(const float* vec, int len);
+VEK_API double vekdMax(const double* vec, int len);
+VEK_API short vekwMax(const short* vec, int len);
+VEK_API float veksMin(const float* vec, int len);
+VEK_API double vekdMin(const double* vec, int len);
+VEK_API short vekwMin(const short* vec, int len);
+
+/* The same, also writing the index of the first occurrence to *index
+ * (unless index is NULL; all NaN: index 0). */
+VEK_API float veksMaxExt(const float* vec, int len, int* index);
+VEK_API double vekdMaxExt(const double* vec, int len, int* index);
+VEK_API short vekwMaxExt(const short* vec, int len, int* index);
+VEK_API float veksMinExt(const float* vec, int len, int* index);
+VEK_API double vekdMinExt(const double* vec, int len, int* index);
+VEK_API short vekwMinExt(const short* vec, int len, int* index);
 
 /* end of Statistics */
 
@@ -273,6 +379,19 @@ VEK_API void vekcrFftNip(const float* reInSamps, const float* imInSamps,
                          float* reOutSamps, float* imOutSamps, int order, int flags);
 VEK_API void vekzrFftNip(const double* reInSamps, const double* imInSamps,
                          double* reOutSamps, double* imOutSamps, int order, int flags);
+
+/* 16-bit forms: computed in single precision and narrowed under scaleMode
+ * (modes 0 and 1 round to nearest and saturate). VEK_DoIntCore and
+ * VEK_DoFloatCore are accepted, not both; the computation is the same. */
+VEK_API void vekvFft(CplxShort* samps, int order, int flags, int scaleMode,
+                     int* scaleFactor);
+VEK_API void vekvFftNip(const CplxShort* inSamps, CplxShort* outSamps, int order,
+                        int flags, int scaleMode, int* scaleFactor);
+VEK_API void vekvrFft(short* reSamps, short* imSamps, int order, int flags,
+                      int scaleMode, int* scaleFactor);
+VEK_API void vekvrFftNip(const short* reInSamps, const short* imInSamps,
+                         short* reOutSamps, short* imOutSamps, int order, int flags,
+                         int scaleMode, int* scaleFactor);
 
 /* end of Complex FFT */
 

@@ -25,9 +25,16 @@ TEST(BitRev, IndexFunction) {
     const struct {
         int a, order, want;
     } cases[] = {
-        {5, 0, 0},       {1, 3, 4},          {6, 3, 3},           {0xF1, 3, 4},
-        {1, 1, 1},       {-1, 4, 15},        {0x40000000, 31, 1}, {1, 31, 0x40000000},
-        {0x1234, 16, 0x2C48}, {-2, 31, 0x3FFFFFFF},
+        {5, 0, 0},
+        {1, 3, 4},
+        {6, 3, 3},
+        {0xF1, 3, 4},
+        {1, 1, 1},
+        {-1, 4, 15},
+        {0x40000000, 31, 1},
+        {1, 31, 0x40000000},
+        {0x1234, 16, 0x2C48},
+        {-2, 31, 0x3FFFFFFF},
     };
     for (const auto& c : cases) EXPECT_EQ(vekBitRev(c.a, c.order), c.want) << c.a << "," << c.order;
 }
@@ -127,10 +134,12 @@ TEST(BitRev, ChecksAndReports) {
     for (const auto& c : cases) {
         ReportRecorder rec;
         c.call();
-        EXPECT_REPORT(rec, c.func == std::string("vekGetBitRevTbl") && std::string(c.msg) == "NULL Pointer"
-                               ? VEK_StatusNoMemory
-                               : VEK_StatusBadArgument,
-                      c.func, c.msg, "vekmisc");
+        EXPECT_REPORT(
+            rec,
+            c.func == std::string("vekGetBitRevTbl") && std::string(c.msg) == "NULL Pointer"
+                ? VEK_StatusNoMemory
+                : VEK_StatusBadArgument,
+            c.func, c.msg, "vekmisc");
     }
     EXPECT_EQ(tbl[0], 9);
     EXPECT_EQ(f[1], 2);
@@ -227,14 +236,18 @@ TEST(Twiddles, ChecksAndReports) {
         int status;
     } cases[] = {
         {[&] { vekcCalcFftTwdTbl(c, -1); }, "vekcCalcFftTwdTbl", "order<0", VEK_StatusBadArgument},
-        {[&] { vekzCalcFftTwdTbl(nullptr, 32); }, "vekzCalcFftTwdTbl", "order>31", VEK_StatusBadArgument},
-        {[&] { vekvCalcFftTwdTbl(nullptr, 1); }, "vekvCalcFftTwdTbl", "tbl==0", VEK_StatusBadArgument},
+        {[&] { vekzCalcFftTwdTbl(nullptr, 32); }, "vekzCalcFftTwdTbl", "order>31",
+         VEK_StatusBadArgument},
+        {[&] { vekvCalcFftTwdTbl(nullptr, 1); }, "vekvCalcFftTwdTbl", "tbl==0",
+         VEK_StatusBadArgument},
         {[&] { vekcGetFftTwdTbl(32); }, "vekcGetFftTwdTbl", "order>31", VEK_StatusBadArgument},
         {[&] { vekzGetFftTwdTbl(31); }, "vekzGetFftTwdTbl", "NULL Pointer", VEK_StatusNoMemory},
-        {[&] { vekcCalcDftTwdTbl(nullptr, 4); }, "vekcCalcDftTwdTbl", "tbl==0", VEK_StatusBadArgument},
+        {[&] { vekcCalcDftTwdTbl(nullptr, 4); }, "vekcCalcDftTwdTbl", "tbl==0",
+         VEK_StatusBadArgument},
         {[&] { vekcCalcDftTwdTbl(c, 0); }, "vekcCalcDftTwdTbl", "length<=0", VEK_StatusBadArgument},
         {[&] { vekvGetDftTwdTbl(-3); }, "vekvGetDftTwdTbl", "length<=0", VEK_StatusBadArgument},
-        {[&] { vekzGetDftTwdTbl(0x7fffffff); }, "vekzGetDftTwdTbl", "NULL Pointer", VEK_StatusNoMemory},
+        {[&] { vekzGetDftTwdTbl(0x7fffffff); }, "vekzGetDftTwdTbl", "NULL Pointer",
+         VEK_StatusNoMemory},
     };
     for (const auto& k : cases) {
         ReportRecorder rec;

@@ -37,7 +37,9 @@ bool fft_flags_ok(const Site& site, int flags) {
 
 namespace {
 
-std::size_t elem_size(CplxKind kind) { return kind == kKindC ? sizeof(CplxFloat) : sizeof(CplxDouble); }
+std::size_t elem_size(CplxKind kind) {
+    return kind == kKindC ? sizeof(CplxFloat) : sizeof(CplxDouble);
+}
 
 bool split_buffer(ThreadContext* ctx, CplxKind kind, int order) {
     return scratch(ctx, kind, kScratchSplit, (std::uint64_t(1) << order) * elem_size(kind));
@@ -55,9 +57,8 @@ bool ready(const ThreadContext* ctx, CplxKind kind, int order, bool split) {
     if (!ctx->orderTbl[kind == kKindC ? kTblPlanC : kTblPlanZ][order] || !ctx->swapList[order] ||
         !set.buffer[kScratchFft] || std::uint64_t(set.length[kScratchFft]) * 8 < work)
         return false;
-    return !split || (set.buffer[kScratchSplit] &&
-                      std::uint64_t(set.length[kScratchSplit]) * 8 >=
-                                                  (std::uint64_t(elem_size(kind)) << order));
+    return !split || (set.buffer[kScratchSplit] && std::uint64_t(set.length[kScratchSplit]) * 8 >=
+                                                       (std::uint64_t(elem_size(kind)) << order));
 }
 
 }  // namespace
@@ -91,25 +92,30 @@ void exec(ThreadContext* ctx, const C* src, C* dst, int order, int flags) {
         dst[0] = src[0];
         return;
     }
-    const auto* plan = static_cast<const FftPlan<C>*>(ctx->orderTbl[kind == kKindC ? kTblPlanC : kTblPlanZ][order]);
+    const auto* plan = static_cast<const FftPlan<C>*>(
+        ctx->orderTbl[kind == kKindC ? kTblPlanC : kTblPlanZ][order]);
     C* work = static_cast<C*>(ctx->scratch[kind].buffer[kScratchFft]);
     const std::int32_t* list = ctx->swapList[order];
     const bool inverse = flags & VEK_Inv;
+    // 1/N formed in double, applied in the element's precision by the last
+    // pass.
+    const R scale =
+        inverse && !(flags & VEK_NoScale) ? R(1.0 / double(std::uint64_t(1) << order)) : R(1);
     const FftOps& ops = fft_ops();
     auto run = [&](const C* in, C* out) {
         if constexpr (kind == kKindC)
-            ops.run_c(plan, in, out, work, inverse);
+            ops.run_c(plan, in, out, work, inverse, scale);
         else
-            ops.run_z(plan, in, out, work, inverse);
+            ops.run_z(plan, in, out, work, inverse, scale);
     };
     const bool revIn = flags & VEK_InBitRev, revOut = (flags & VEK_OutBitRev) && !revIn;
     if ((revIn || revOut) && plan->rev.passes) {
         // In place between the orders, no permutation.
         if (src != dst) std::memcpy(dst, src, sizeof(C) << order);
         if constexpr (kind == kKindC)
-            ops.rev_c(plan, dst, inverse, revIn);
+            ops.rev_c(plan, dst, inverse, revIn, scale);
         else
-            ops.rev_z(plan, dst, inverse, revIn);
+            ops.rev_z(plan, dst, inverse, revIn, scale);
     } else if (revIn) {
         if (src != dst)
             bitrev_copy(src, dst, order, list);
@@ -119,14 +125,6 @@ void exec(ThreadContext* ctx, const C* src, C* dst, int order, int flags) {
     } else {
         run(src, dst);
         if (revOut) bitrev_inplace(dst, order, list);
-    }
-    if (inverse && !(flags & VEK_NoScale)) {
-        const std::size_t n = std::size_t(2) << order;
-        const R f = R(1.0 / double(std::uint64_t(1) << order));
-        if constexpr (kind == kKindC)
-            ops.scale_s(&dst->re, n, f);
-        else
-            ops.scale_d(&dst->re, n, f);
     }
 }
 

@@ -2,16 +2,18 @@
 //
 // Every transform runs natural order in, natural order out, as Stockham
 // autosort passes between the data and a work area (so no permutation
-// pass): a radix-4 first pass that reads contiguous points and interleaves
-// its outputs, radix-8 (and at most one radix-4) passes whose vector loop
+// pass): a radix-8 or radix-4 first pass that reads contiguous points and
+// interleaves its outputs, radix-8 (and at most one radix-4) passes whose vector loop
 // runs across independent sub-transforms with broadcast twiddles, and a
 // last radix-4 or radix-8 pass that needs no twiddles. Each pass reads its
 // twiddles from its own table, in the order the loop uses them.
 //
 // Large orders (four_step_order) are split as N = R x C (R rows of C
 // points): FFTs down the columns, a block of columns at a time in a small
-// buffer, a twiddle W_N^(row*col) composed from two tables, FFTs along the
-// rows, and a transposed store. Every sub-transform then works in cache.
+// buffer, times a twiddle W_N^(row*col) composed from two tables and
+// stored transposed; then FFTs along the rows (columns of that copy), a
+// block at a time, whose last pass writes the output in its final place.
+// Every sub-transform works in cache, and the data crosses memory twice.
 #pragma once
 
 #include <cstddef>
@@ -29,7 +31,6 @@ template <class C>
 constexpr int four_step_order() {
     return kFourStepLog2Bytes - (sizeof(C) == 8 ? 3 : 4);
 }
-constexpr int kRowBlock = 16;  // rows per transposed store
 
 // Columns per column-FFT block: 256 bytes of each row.
 template <class C>
@@ -41,6 +42,7 @@ constexpr int lanes_of() {
 // each sub-transform and writes point radix*p + r, multiplied by W_n^(r*p).
 enum FftPassKind : int {
     kPassFirst4,  // radix 4, vector loop over p; twiddles as three arrays of m
+    kPassFirst8,  // radix 8, the same with seven arrays
     kPassTw4,     // radix 4, vector loop over lanes; per p: W^p, W^2p, W^3p
     kPassTw8,     // radix 8, the same with W^p .. W^7p
     kPassLast2,   // the last pass (m = 1): no twiddles
@@ -75,9 +77,9 @@ struct FftSchedule {
 template <class C>
 struct FftPlan {
     int order;
-    int rowsLog;  // four-step: log2 R (0 for a direct transform)
-    int colsLog;  // four-step: log2 C
-    int lanes;    // four-step: columns per block
+    int rowsLog;           // four-step: log2 R (0 for a direct transform)
+    int colsLog;           // four-step: log2 C
+    int lanes;             // four-step: columns per block
     FftSchedule<C> whole;  // direct
     // Direct, order 4 and above: in-place passes between natural and
     // bit-reversed order (decimation in frequency in this order, in time
@@ -93,34 +95,40 @@ struct FftPlan {
 };
 
 // Elements of work area a transform of this order needs: the whole
-// intermediate of the four-step, two column blocks, a block of rows and the
-// row transform's own work area.
+// intermediate of the four-step and two blocks of lanes.
 template <class C>
 inline std::uint64_t fft_work(int order) {
     const std::uint64_t n = std::uint64_t(1) << order;
     if (order < four_step_order<C>()) return n;
     const std::uint64_t rows = std::uint64_t(1) << (order / 2), cols = n / rows;
-    return n + 2 * rows * lanes_of<C>() + kRowBlock * cols + cols;
+    return n + 2 * cols * lanes_of<C>();
 }
 
 struct FftOps {
-    // dst = FFT(src) (src may equal dst; work holds plan->work elements).
+    // dst = FFT(src) times scale (src may equal dst; work holds fft_work
+    // elements).
     void (*run_c)(const FftPlan<CplxFloat>* plan, const CplxFloat* src, CplxFloat* dst,
-                  CplxFloat* work, bool inverse);
+                  CplxFloat* work, bool inverse, float scale);
     void (*run_z)(const FftPlan<CplxDouble>* plan, const CplxDouble* src, CplxDouble* dst,
-                  CplxDouble* work, bool inverse);
-    // In place between natural and bit-reversed order (plan->rev):
-    // natural to bit-reversed, or with `fromRev` bit-reversed to natural.
-    void (*rev_c)(const FftPlan<CplxFloat>* plan, CplxFloat* x, bool inverse, bool fromRev);
-    void (*rev_z)(const FftPlan<CplxDouble>* plan, CplxDouble* x, bool inverse, bool fromRev);
-    // Multiplies n real values by f.
-    void (*scale_s)(float* x, std::size_t n, float f);
-    void (*scale_d)(double* x, std::size_t n, double f);
+                  CplxDouble* work, bool inverse, double scale);
+    // In place between natural and bit-reversed order (plan->rev), times
+    // scale: natural to bit-reversed, or with `fromRev` bit-reversed to
+    // natural.
+    void (*rev_c)(const FftPlan<CplxFloat>* plan, CplxFloat* x, bool inverse, bool fromRev,
+                  float scale);
+    void (*rev_z)(const FftPlan<CplxDouble>* plan, CplxDouble* x, bool inverse, bool fromRev,
+                  double scale);
 };
 
-namespace sse2 { extern const FftOps fft_ops; }
-namespace avx2 { extern const FftOps fft_ops; }
-namespace avx512 { extern const FftOps fft_ops; }
+namespace sse2 {
+extern const FftOps fft_ops;
+}
+namespace avx2 {
+extern const FftOps fft_ops;
+}
+namespace avx512 {
+extern const FftOps fft_ops;
+}
 
 const FftOps& fft_ops();
 

@@ -35,8 +35,12 @@ struct F2 {  // two complex floats
     VEK_KERNEL V mul(V a, V b) { return _mm_mul_ps(a, b); }
     VEK_KERNEL V set1(R x) { return _mm_set1_ps(x); }
     VEK_KERNEL V swap(V v) { return _mm_shuffle_ps(v, v, 0xB1); }
-    VEK_KERNEL V neg_re(V v) { return _mm_xor_ps(v, _mm_castsi128_ps(_mm_set_epi32(0, INT32_MIN, 0, INT32_MIN))); }
-    VEK_KERNEL V neg_im(V v) { return _mm_xor_ps(v, _mm_castsi128_ps(_mm_set_epi32(INT32_MIN, 0, INT32_MIN, 0))); }
+    VEK_KERNEL V neg_re(V v) {
+        return _mm_xor_ps(v, _mm_castsi128_ps(_mm_set_epi32(0, INT32_MIN, 0, INT32_MIN)));
+    }
+    VEK_KERNEL V neg_im(V v) {
+        return _mm_xor_ps(v, _mm_castsi128_ps(_mm_set_epi32(INT32_MIN, 0, INT32_MIN, 0)));
+    }
     VEK_KERNEL V dup_re(V v) { return _mm_shuffle_ps(v, v, 0xA0); }
     VEK_KERNEL V dup_im(V v) { return _mm_shuffle_ps(v, v, 0xF5); }
 #ifdef __FMA__
@@ -66,6 +70,13 @@ struct F2 {  // two complex floats
         c = _mm_movelh_ps(v1, v3);
         d = _mm_movehl_ps(v3, v1);
     }
+    // y[8i + r] = v[r][i]
+    VEK_KERNEL void store8(C* y, const V* v) {
+        for (int r = 0; r < 8; r += 2) {
+            store(y + r, _mm_movelh_ps(v[r], v[r + 1]));
+            store(y + 8 + r, _mm_movehl_ps(v[r + 1], v[r]));
+        }
+    }
 };
 
 struct F1 : F2 {  // one complex float, in the low half
@@ -86,6 +97,9 @@ struct F1 : F2 {  // one complex float, in the low half
         b = load(y + 1);
         c = load(y + 2);
         d = load(y + 3);
+    }
+    VEK_KERNEL void store8(C* y, const V* v) {
+        for (int r = 0; r < 8; ++r) store(y + r, v[r]);
     }
 };
 
@@ -125,6 +139,9 @@ struct D1 {  // one complex double
         c = load(y + 2);
         d = load(y + 3);
     }
+    VEK_KERNEL void store8(C* y, const V* v) {
+        for (int r = 0; r < 8; ++r) store(y + r, v[r]);
+    }
 };
 
 #ifdef __AVX2__
@@ -140,8 +157,12 @@ struct F4 {  // four complex floats
     VEK_KERNEL V mul(V a, V b) { return _mm256_mul_ps(a, b); }
     VEK_KERNEL V set1(R x) { return _mm256_set1_ps(x); }
     VEK_KERNEL V swap(V v) { return _mm256_permute_ps(v, 0xB1); }
-    VEK_KERNEL V neg_re(V v) { return _mm256_xor_ps(v, _mm256_castsi256_ps(_mm256_set1_epi64x(0x80000000LL))); }
-    VEK_KERNEL V neg_im(V v) { return _mm256_xor_ps(v, _mm256_castsi256_ps(_mm256_set1_epi64x(INT64_MIN))); }
+    VEK_KERNEL V neg_re(V v) {
+        return _mm256_xor_ps(v, _mm256_castsi256_ps(_mm256_set1_epi64x(0x80000000LL)));
+    }
+    VEK_KERNEL V neg_im(V v) {
+        return _mm256_xor_ps(v, _mm256_castsi256_ps(_mm256_set1_epi64x(INT64_MIN)));
+    }
     VEK_KERNEL V dup_re(V v) { return _mm256_moveldup_ps(v); }
     VEK_KERNEL V dup_im(V v) { return _mm256_movehdup_ps(v); }
     VEK_KERNEL V fmaddsub(V a, V b, V c) { return _mm256_fmaddsub_ps(a, b, c); }
@@ -172,6 +193,15 @@ struct F4 {  // four complex floats
         b = v[1];
         c = v[2];
         d = v[3];
+    }
+    VEK_KERNEL void store8(C* y, const V* v) {
+        V lo[4] = {v[0], v[1], v[2], v[3]}, hi[4] = {v[4], v[5], v[6], v[7]};
+        transpose(lo);
+        transpose(hi);
+        for (int i = 0; i < 4; ++i) {
+            store(y + 8 * i, lo[i]);
+            store(y + 8 * i + 4, hi[i]);
+        }
     }
 };
 
@@ -211,6 +241,12 @@ struct D2 {  // two complex doubles
         c = _mm256_permute2f128_pd(v1, v3, 0x20);
         d = _mm256_permute2f128_pd(v1, v3, 0x31);
     }
+    VEK_KERNEL void store8(C* y, const V* v) {
+        for (int r = 0; r < 8; r += 2) {
+            store(y + r, _mm256_permute2f128_pd(v[r], v[r + 1], 0x20));
+            store(y + 8 + r, _mm256_permute2f128_pd(v[r], v[r + 1], 0x31));
+        }
+    }
 };
 #endif
 
@@ -227,12 +263,33 @@ struct F8 {  // eight complex floats
     VEK_KERNEL V mul(V a, V b) { return _mm512_mul_ps(a, b); }
     VEK_KERNEL V set1(R x) { return _mm512_set1_ps(x); }
     VEK_KERNEL V swap(V v) { return _mm512_permute_ps(v, 0xB1); }
-    VEK_KERNEL V neg_re(V v) { return _mm512_xor_ps(v, _mm512_castsi512_ps(_mm512_set1_epi64(0x80000000LL))); }
-    VEK_KERNEL V neg_im(V v) { return _mm512_xor_ps(v, _mm512_castsi512_ps(_mm512_set1_epi64(INT64_MIN))); }
+    VEK_KERNEL V neg_re(V v) {
+        return _mm512_xor_ps(v, _mm512_castsi512_ps(_mm512_set1_epi64(0x80000000LL)));
+    }
+    VEK_KERNEL V neg_im(V v) {
+        return _mm512_xor_ps(v, _mm512_castsi512_ps(_mm512_set1_epi64(INT64_MIN)));
+    }
     VEK_KERNEL V dup_re(V v) { return _mm512_moveldup_ps(v); }
     VEK_KERNEL V dup_im(V v) { return _mm512_movehdup_ps(v); }
     VEK_KERNEL V fmaddsub(V a, V b, V c) { return _mm512_fmaddsub_ps(a, b, c); }
     VEK_KERNEL V fmsubadd(V a, V b, V c) { return _mm512_fmsubadd_ps(a, b, c); }
+    // y[8i + r] = v[r][i]: an 8 x 8 transpose of 64-bit points.
+    VEK_KERNEL void store8(C* y, const V* v) {
+        __m512d t[8], u[8];
+        for (int r = 0; r < 8; r += 2) {
+            t[r] = _mm512_unpacklo_pd(_mm512_castps_pd(v[r]), _mm512_castps_pd(v[r + 1]));
+            t[r + 1] = _mm512_unpackhi_pd(_mm512_castps_pd(v[r]), _mm512_castps_pd(v[r + 1]));
+        }
+        for (int g = 0; g < 8; g += 4)
+            for (int h = 0; h < 2; ++h) {
+                u[g + h] = _mm512_shuffle_f64x2(t[g + h], t[g + h + 2], 0x88);
+                u[g + h + 2] = _mm512_shuffle_f64x2(t[g + h], t[g + h + 2], 0xDD);
+            }
+        for (int i = 0; i < 4; ++i) {
+            store(y + 8 * i, _mm512_castpd_ps(_mm512_shuffle_f64x2(u[i], u[i + 4], 0x88)));
+            store(y + 8 * (i + 4), _mm512_castpd_ps(_mm512_shuffle_f64x2(u[i], u[i + 4], 0xDD)));
+        }
+    }
 };
 
 struct D4 {  // four complex doubles
@@ -247,15 +304,23 @@ struct D4 {  // four complex doubles
     VEK_KERNEL V mul(V a, V b) { return _mm512_mul_pd(a, b); }
     VEK_KERNEL V set1(R x) { return _mm512_set1_pd(x); }
     VEK_KERNEL V swap(V v) { return _mm512_permute_pd(v, 0x55); }
-    VEK_KERNEL V neg_re(V v) { return _mm512_xor_pd(v, _mm512_castsi512_pd(_mm512_set_epi64(0, INT64_MIN, 0, INT64_MIN, 0, INT64_MIN, 0, INT64_MIN))); }
-    VEK_KERNEL V neg_im(V v) { return _mm512_xor_pd(v, _mm512_castsi512_pd(_mm512_set_epi64(INT64_MIN, 0, INT64_MIN, 0, INT64_MIN, 0, INT64_MIN, 0))); }
+    VEK_KERNEL V neg_re(V v) {
+        return _mm512_xor_pd(v, _mm512_castsi512_pd(_mm512_set_epi64(0, INT64_MIN, 0, INT64_MIN, 0,
+                                                                     INT64_MIN, 0, INT64_MIN)));
+    }
+    VEK_KERNEL V neg_im(V v) {
+        return _mm512_xor_pd(v, _mm512_castsi512_pd(_mm512_set_epi64(INT64_MIN, 0, INT64_MIN, 0,
+                                                                     INT64_MIN, 0, INT64_MIN, 0)));
+    }
     VEK_KERNEL V dup_re(V v) { return _mm512_movedup_pd(v); }
     VEK_KERNEL V dup_im(V v) { return _mm512_permute_pd(v, 0xFF); }
     VEK_KERNEL V fmaddsub(V a, V b, V c) { return _mm512_fmaddsub_pd(a, b, c); }
     VEK_KERNEL V fmsubadd(V a, V b, V c) { return _mm512_fmsubadd_pd(a, b, c); }
     VEK_KERNEL void transpose(V* v) {
-        const V t0 = _mm512_shuffle_f64x2(v[0], v[1], 0x44), t1 = _mm512_shuffle_f64x2(v[0], v[1], 0xEE);
-        const V t2 = _mm512_shuffle_f64x2(v[2], v[3], 0x44), t3 = _mm512_shuffle_f64x2(v[2], v[3], 0xEE);
+        const V t0 = _mm512_shuffle_f64x2(v[0], v[1], 0x44),
+                t1 = _mm512_shuffle_f64x2(v[0], v[1], 0xEE);
+        const V t2 = _mm512_shuffle_f64x2(v[2], v[3], 0x44),
+                t3 = _mm512_shuffle_f64x2(v[2], v[3], 0xEE);
         v[0] = _mm512_shuffle_f64x2(t0, t2, 0x88);
         v[1] = _mm512_shuffle_f64x2(t0, t2, 0xDD);
         v[2] = _mm512_shuffle_f64x2(t1, t3, 0x88);
@@ -276,6 +341,15 @@ struct D4 {  // four complex doubles
         b = v[1];
         c = v[2];
         d = v[3];
+    }
+    VEK_KERNEL void store8(C* y, const V* v) {
+        V lo[4] = {v[0], v[1], v[2], v[3]}, hi[4] = {v[4], v[5], v[6], v[7]};
+        transpose(lo);
+        transpose(hi);
+        for (int i = 0; i < 4; ++i) {
+            store(y + 8 * i, lo[i]);
+            store(y + 8 * i + 4, hi[i]);
+        }
     }
 };
 #endif
@@ -343,14 +417,14 @@ VEK_KERNEL void dft4(typename V::V& a, typename V::V& b, typename V::V& c, typen
 //
 // A pass of size n with m = n/radix reads x[q + si*(p + j*m)] and writes
 // y[q + L*(radix*p + r)] for p < m, q < L; output r of sub-transform p is
-// multiplied by W_n^(r*p) = tw_r[p*ts]. The input stride si is L except
-// where a first pass reads its lanes straight from strided data.
+// multiplied by W_n^(r*p) from the pass's own table. The input stride si
+// is L except where a first pass reads its lanes straight from strided data.
 
 // Twiddled radix-4 pass with the vector loop over the lanes q; tw holds
 // W^p, W^2p, W^3p for each p.
 template <class V, bool Inv>
-void pass_q4(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t m,
-             std::size_t L, const typename V::C* tw) {
+void pass_q4(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t m, std::size_t L,
+             const typename V::C* tw) {
     using VT = typename V::V;
     const std::size_t s = m * si;
     for (std::size_t p = 0; p < m; ++p) {
@@ -405,8 +479,8 @@ VEK_KERNEL void dft8(typename V::V* x) {
 // Twiddled radix-8 pass with the vector loop over the lanes q; tw holds
 // W^p .. W^7p for each p.
 template <class V, bool Inv>
-void pass_q8(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t m,
-             std::size_t L, const typename V::C* tw) {
+void pass_q8(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t m, std::size_t L,
+             const typename V::C* tw) {
     using VT = typename V::V;
     const std::size_t s = m * si;
     for (std::size_t p = 0; p < m; ++p) {
@@ -445,31 +519,72 @@ void pass_p4(const typename V::C* x, typename V::C* y, std::size_t m, const type
     }
 }
 
-// Last pass of size 4 (m = 1): no twiddles; may run in place.
+// Twiddled radix-8 first pass (L = 1) with the vector loop over p; tw
+// holds W^(r*p) as seven arrays of m.
 template <class V, bool Inv>
-void last4(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t L) {
+void pass_p8(const typename V::C* x, typename V::C* y, std::size_t m, const typename V::C* tw) {
     using VT = typename V::V;
-    for (std::size_t q = 0; q < L; q += V::W) {
-        VT a = V::load(x + q), b = V::load(x + si + q), c = V::load(x + 2 * si + q),
-           d = V::load(x + 3 * si + q);
-        dft4<V, Inv>(a, b, c, d);
-        V::store(y + q, a);
-        V::store(y + L + q, b);
-        V::store(y + 2 * L + q, c);
-        V::store(y + 3 * L + q, d);
+    for (std::size_t p = 0; p < m; p += V::W) {
+        VT v[8];
+        for (int j = 0; j < 8; ++j) v[j] = V::load(x + j * m + p);
+        dft8<V, Inv>(v);
+        for (int r = 1; r < 8; ++r) {
+            const VT w = V::load(tw + (r - 1) * m + p);
+            v[r] = cmul<V, Inv>(v[r], V::dup_re(w), V::dup_im(w));
+        }
+        V::store8(y + 8 * p, v);
     }
 }
 
-// Last pass of size 8 (m = 1): no twiddles; may run in place.
+// Last pass of size 4 (m = 1): no twiddles; may run in place. The outputs
+// of lane l, point k go to y[l + so*k] for lanes l < L0 (so = L0: the
+// usual packed layout), times `scale`.
 template <class V, bool Inv>
-void last8(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t L) {
+void last4(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t L, std::size_t L0,
+           std::size_t so, typename V::R scale) {
     using VT = typename V::V;
-    for (std::size_t q = 0; q < L; q += V::W) {
-        VT v[8];
-        for (int j = 0; j < 8; ++j) v[j] = V::load(x + j * si + q);
-        dft8<V, Inv>(v);
-        for (int r = 0; r < 8; ++r) V::store(y + r * L + q, v[r]);
-    }
+    const std::size_t K = L / L0, ro = so * K;
+    const bool scaled = scale != typename V::R(1);
+    const VT sv = V::set1(scale);
+    for (std::size_t k = 0; k < K; ++k)
+        for (std::size_t l = 0; l < L0; l += V::W) {
+            const std::size_t q = k * L0 + l;
+            VT a = V::load(x + q), b = V::load(x + si + q), c = V::load(x + 2 * si + q),
+               d = V::load(x + 3 * si + q);
+            dft4<V, Inv>(a, b, c, d);
+            if (scaled) {
+                a = V::mul(a, sv);
+                b = V::mul(b, sv);
+                c = V::mul(c, sv);
+                d = V::mul(d, sv);
+            }
+            typename V::C* y0 = y + k * so + l;
+            V::store(y0, a);
+            V::store(y0 + ro, b);
+            V::store(y0 + 2 * ro, c);
+            V::store(y0 + 3 * ro, d);
+        }
+}
+
+// Last pass of size 8 (m = 1), as last4.
+template <class V, bool Inv>
+void last8(const typename V::C* x, std::size_t si, typename V::C* y, std::size_t L, std::size_t L0,
+           std::size_t so, typename V::R scale) {
+    using VT = typename V::V;
+    const std::size_t K = L / L0, ro = so * K;
+    const bool scaled = scale != typename V::R(1);
+    const VT sv = V::set1(scale);
+    for (std::size_t k = 0; k < K; ++k)
+        for (std::size_t l = 0; l < L0; l += V::W) {
+            const std::size_t q = k * L0 + l;
+            VT v[8];
+            for (int j = 0; j < 8; ++j) v[j] = V::load(x + j * si + q);
+            dft8<V, Inv>(v);
+            if (scaled)
+                for (int r = 0; r < 8; ++r) v[r] = V::mul(v[r], sv);
+            typename V::C* y0 = y + k * so + l;
+            for (int r = 0; r < 8; ++r) V::store(y0 + r * ro, v[r]);
+        }
 }
 
 // ------------------------------------------------------------ bit-reversed
@@ -522,12 +637,20 @@ void dif8(typename V::C* x, std::size_t n, std::size_t h, const typename V::C* t
 
 // The last step on blocks of 4 contiguous points, several blocks per vector.
 template <class V, bool Inv>
-void dif_end4(typename V::C* x, std::size_t n) {
+void dif_end4(typename V::C* x, std::size_t n, typename V::R scale) {
     using VT = typename V::V;
+    const bool scaled = scale != typename V::R(1);
+    const VT sv = V::set1(scale);
     for (std::size_t blk = 0; blk < n; blk += 4 * V::W) {
         VT a, b, c, d;
         V::load4(x + blk, a, b, c, d);
         dft4<V, Inv>(a, b, c, d);
+        if (scaled) {
+            a = V::mul(a, sv);
+            b = V::mul(b, sv);
+            c = V::mul(c, sv);
+            d = V::mul(d, sv);
+        }
         V::store4(x + blk, a, c, b, d);
     }
 }
@@ -544,8 +667,11 @@ void dit_first4(typename V::C* x, std::size_t n) {
 }
 
 template <class V, bool Inv>
-void dit4(typename V::C* x, std::size_t n, std::size_t h, const typename V::C* tw) {
+void dit4(typename V::C* x, std::size_t n, std::size_t h, const typename V::C* tw,
+          typename V::R scale) {
     using VT = typename V::V;
+    const bool scaled = scale != typename V::R(1);
+    const VT sv = V::set1(scale);
     for (std::size_t blk = 0; blk < n; blk += 4 * h) {
         typename V::C* x0 = x + blk;
         for (std::size_t j = 0; j < h; j += V::W) {
@@ -554,6 +680,12 @@ void dit4(typename V::C* x, std::size_t n, std::size_t h, const typename V::C* t
             VT c = cmulv<V, Inv>(V::load(x0 + h + j), V::load(tw + h + j));
             VT d = cmulv<V, Inv>(V::load(x0 + 3 * h + j), V::load(tw + 2 * h + j));
             dft4<V, Inv>(a, b, c, d);
+            if (scaled) {
+                a = V::mul(a, sv);
+                b = V::mul(b, sv);
+                c = V::mul(c, sv);
+                d = V::mul(d, sv);
+            }
             V::store(x0 + j, a);
             V::store(x0 + h + j, b);
             V::store(x0 + 2 * h + j, c);
@@ -563,8 +695,11 @@ void dit4(typename V::C* x, std::size_t n, std::size_t h, const typename V::C* t
 }
 
 template <class V, bool Inv>
-void dit8(typename V::C* x, std::size_t n, std::size_t h, const typename V::C* tw) {
+void dit8(typename V::C* x, std::size_t n, std::size_t h, const typename V::C* tw,
+          typename V::R scale) {
     using VT = typename V::V;
+    const bool scaled = scale != typename V::R(1);
+    const VT sv = V::set1(scale);
     for (std::size_t blk = 0; blk < n; blk += 8 * h) {
         typename V::C* x0 = x + blk;
         for (std::size_t j = 0; j < h; j += V::W) {
@@ -573,6 +708,8 @@ void dit8(typename V::C* x, std::size_t n, std::size_t h, const typename V::C* t
             for (int r = 1; r < 8; ++r)
                 v[r] = cmulv<V, Inv>(V::load(x0 + kRev3[r] * h + j), V::load(tw + (r - 1) * h + j));
             dft8<V, Inv>(v);
+            if (scaled)
+                for (int k = 0; k < 8; ++k) v[k] = V::mul(v[k], sv);
             for (int k = 0; k < 8; ++k) V::store(x0 + k * h + j, v[k]);
         }
     }
@@ -591,214 +728,216 @@ struct RealOf<CplxDouble> {
     using type = double;
 };
 
-// The transform of a schedule on 2^order points in L0 lanes (point j of
-// lane q at src[q + s0*j] and at dst[q + L0*j]), src -> dst through tmp;
-// src may equal dst (then s0 = L0).
+// The transform of a schedule on 2^order points in L0 lanes: point j of
+// lane q is read at src[q + s0*j] and written at dst[q + d0*j]. With d0 =
+// L0, passes alternate between dst and tmp so that the last lands in dst,
+// and src may equal dst (then s0 = L0: when the count is odd the last pass,
+// which may, runs in place). Otherwise they alternate between tmp and tmp2.
 template <class C, bool Inv>
-void stockham(const C* src, std::size_t s0, C* dst, C* tmp, const FftSchedule<C>& sc,
-              std::size_t L0) {
+void stockham(const C* src, std::size_t s0, C* dst, std::size_t d0, C* tmp, C* tmp2,
+              const FftSchedule<C>& sc, std::size_t L0, typename RealOf<C>::type scale) {
     using R = typename RealOf<C>::type;
     const int passes = sc.passes;
     if (passes == 0) {
-        if (src != dst)
-            for (std::size_t q = 0; q < L0; ++q) dst[q] = src[q];
+        for (std::size_t q = 0; q < L0; ++q) dst[q] = C{src[q].re * scale, src[q].im * scale};
         return;
     }
-    // Passes alternate between dst and tmp so that the last lands in dst;
-    // when src is dst and the count is odd, the last pass (which may) runs
-    // in place.
+    const bool packed = d0 == L0;
     const bool lastInPlace = src == dst && passes % 2 == 1;
     const C* in = src;
     std::size_t si = s0, L = L0;
     for (int i = 0; i < passes; ++i) {
         const FftPass& ps = sc.pass[i];
-        const int after = lastInPlace ? passes - 2 - i : passes - 1 - i;
-        C* out = after <= 0 ? dst : after % 2 == 0 ? dst : tmp;
+        C* out;
+        if (i == passes - 1) {
+            out = dst;
+        } else if (!packed) {
+            out = i % 2 ? tmp2 : tmp;
+        } else {
+            const int after = lastInPlace ? passes - 2 - i : passes - 1 - i;
+            out = after % 2 == 0 ? dst : tmp;
+        }
         const C* tw = sc.tw + ps.tw;
         switch (ps.kind) {
-        case kPassFirst4:
-            by_width<true>(static_cast<R*>(nullptr), ps.m, [&](auto t) {
-                using V = typename decltype(t)::type;
-                pass_p4<V, Inv>(in, out, ps.m, tw);
-            });
-            break;
-        case kPassTw4:
-            by_width(static_cast<R*>(nullptr), L, [&](auto t) {
-                using V = typename decltype(t)::type;
-                pass_q4<V, Inv>(in, si, out, ps.m, L, tw);
-            });
-            break;
-        case kPassTw8:
-            by_width(static_cast<R*>(nullptr), L, [&](auto t) {
-                using V = typename decltype(t)::type;
-                pass_q8<V, Inv>(in, si, out, ps.m, L, tw);
-            });
-            break;
-        case kPassLast2:
-            for (std::size_t q = 0; q < L; ++q) {
-                const C a = in[q], b = in[q + si];
-                out[q] = C{a.re + b.re, a.im + b.im};
-                out[q + L] = C{a.re - b.re, a.im - b.im};
-            }
-            break;
-        case kPassLast4:
-            by_width(static_cast<R*>(nullptr), L, [&](auto t) {
-                using V = typename decltype(t)::type;
-                last4<V, Inv>(in, si, out, L);
-            });
-            break;
-        default:
-            by_width(static_cast<R*>(nullptr), L, [&](auto t) {
-                using V = typename decltype(t)::type;
-                last8<V, Inv>(in, si, out, L);
-            });
-            break;
+            case kPassFirst4:
+                by_width<true>(static_cast<R*>(nullptr), ps.m, [&](auto t) {
+                    using V = typename decltype(t)::type;
+                    pass_p4<V, Inv>(in, out, ps.m, tw);
+                });
+                break;
+            case kPassFirst8:
+                by_width(static_cast<R*>(nullptr), ps.m, [&](auto t) {
+                    using V = typename decltype(t)::type;
+                    pass_p8<V, Inv>(in, out, ps.m, tw);
+                });
+                break;
+            case kPassTw4:
+                by_width(static_cast<R*>(nullptr), L, [&](auto t) {
+                    using V = typename decltype(t)::type;
+                    pass_q4<V, Inv>(in, si, out, ps.m, L, tw);
+                });
+                break;
+            case kPassTw8:
+                by_width(static_cast<R*>(nullptr), L, [&](auto t) {
+                    using V = typename decltype(t)::type;
+                    pass_q8<V, Inv>(in, si, out, ps.m, L, tw);
+                });
+                break;
+            case kPassLast2:
+                for (std::size_t k = 0; k < L / L0; ++k)
+                    for (std::size_t l = 0; l < L0; ++l) {
+                        const std::size_t q = k * L0 + l;
+                        const C a = in[q], b = in[q + si];
+                        out[k * d0 + l] = C{(a.re + b.re) * scale, (a.im + b.im) * scale};
+                        out[k * d0 + l + d0 * (L / L0)] =
+                            C{(a.re - b.re) * scale, (a.im - b.im) * scale};
+                    }
+                break;
+            case kPassLast4:
+                // Packed output is one run of L points per output row.
+                by_width(static_cast<R*>(nullptr), packed ? L : L0, [&](auto t) {
+                    using V = typename decltype(t)::type;
+                    last4<V, Inv>(in, si, out, L, packed ? L : L0, packed ? L : d0, scale);
+                });
+                break;
+            default:
+                by_width(static_cast<R*>(nullptr), packed ? L : L0, [&](auto t) {
+                    using V = typename decltype(t)::type;
+                    last8<V, Inv>(in, si, out, L, packed ? L : L0, packed ? L : d0, scale);
+                });
+                break;
         }
-        const std::size_t radix = ps.kind == kPassLast2 ? 2
-                                  : ps.kind == kPassTw8 || ps.kind == kPassLast8 ? 8
-                                                                                 : 4;
+        const std::size_t radix =
+            ps.kind == kPassLast2                                                    ? 2
+            : ps.kind == kPassTw8 || ps.kind == kPassLast8 || ps.kind == kPassFirst8 ? 8
+                                                                                     : 4;
         in = out;
         L *= radix;
         si = L;
     }
 }
 
-// kRowBlock rows of c points from lb to dst, transposed: row r, point k2
-// goes to dst[k2*ld + r].
-template <class C>
-void store_transposed(const C* lb, std::size_t c, C* dst, std::size_t ld) {
+// The column FFTs' block (rows x lanes, b0[k1*lanes + b]) times the
+// inter-step twiddle, stored transposed: mid[b*ld + k1].
+template <class C, bool Inv>
+void twiddle_transpose(const FftPlan<C>* pl, const C* b0, std::size_t cb, C* mid, std::size_t ld) {
     using R = typename RealOf<C>::type;
+    const std::size_t rows = std::size_t(1) << pl->rowsLog, lanes = std::size_t(pl->lanes);
+    const C* blk = pl->block + cb * rows;
     by_width<true>(static_cast<R*>(nullptr), 4, [&](auto t) {
         using V = typename decltype(t)::type;
+        using VT = typename V::V;
         constexpr int W = V::W;
-        for (std::size_t k2 = 0; k2 < c; k2 += W)
-            for (int r = 0; r < kRowBlock; r += W) {
-                typename V::V v[W];
-                for (int i = 0; i < W; ++i) v[i] = V::load(lb + (r + i) * c + k2);
+        for (std::size_t k1 = 0; k1 < rows; k1 += W)
+            for (std::size_t b = 0; b < lanes; b += W) {
+                VT v[W];
+                for (int i = 0; i < W; ++i) {
+                    const std::size_t row = k1 + i;
+                    const VT w = cmul<V, false>(V::load(pl->lane + row * lanes + b),
+                                                V::set1(blk[row].re), V::set1(blk[row].im));
+                    v[i] = cmulv<V, Inv>(V::load(b0 + row * lanes + b), w);
+                }
                 V::transpose(v);
-                for (int i = 0; i < W; ++i) V::store(dst + (k2 + i) * ld + r, v[i]);
+                for (int i = 0; i < W; ++i) V::store(mid + (b + i) * ld + k1, v[i]);
             }
     });
 }
 
 template <class C, bool Inv>
-void four_step(const FftPlan<C>* pl, const C* src, C* dst, C* work) {
-    using R = typename RealOf<C>::type;
+void four_step(const FftPlan<C>* pl, const C* src, C* dst, C* work,
+               typename RealOf<C>::type scale) {
     const std::size_t rows = std::size_t(1) << pl->rowsLog, cols = std::size_t(1) << pl->colsLog;
     const std::size_t lanes = std::size_t(pl->lanes);
-    C* mid = work;
+    C* mid = work;  // cols x rows: the columns' results, transposed
     C* b0 = mid + rows * cols;
-    C* b1 = b0 + rows * lanes;
-    C* lb = b1 + rows * lanes;
-    C* rt = lb + kRowBlock * cols;
-    // Columns, a block of lanes at a time: the first pass reads them
-    // straight from the strided input.
+    C* b1 = b0 + cols * lanes;
+    // Columns, a block of lanes at a time, read straight from the strided
+    // input; twiddled and transposed into mid.
     for (std::size_t cb = 0; cb < cols / lanes; ++cb) {
-        stockham<C, Inv>(src + cb * lanes, cols, b0, b1, pl->rows, lanes);
-        const C* blk = pl->block + cb * rows;
-        C* out = mid + cb * lanes;
-        by_width(static_cast<R*>(nullptr), lanes, [&](auto t) {
-            using V = typename decltype(t)::type;
-            for (std::size_t k1 = 0; k1 < rows; ++k1) {
-                const typename V::V br = V::set1(blk[k1].re), bi = V::set1(blk[k1].im);
-                const C* ln = pl->lane + k1 * lanes;
-                for (std::size_t b = 0; b < lanes; b += V::W) {
-                    const typename V::V w = cmul<V, false>(V::load(ln + b), br, bi);
-                    const typename V::V v = V::load(b0 + k1 * lanes + b);
-                    V::store(out + k1 * cols + b, cmul<V, Inv>(v, V::dup_re(w), V::dup_im(w)));
-                }
-            }
-        });
+        stockham<C, Inv>(src + cb * lanes, cols, b0, lanes, b1, nullptr, pl->rows, lanes, 1);
+        twiddle_transpose<C, Inv>(pl, b0, cb, mid + cb * lanes * rows, rows);
     }
-    // Rows, then the transposed store into the output.
-    for (std::size_t k1 = 0; k1 < rows; k1 += kRowBlock) {
-        for (int r = 0; r < kRowBlock; ++r)
-            stockham<C, Inv>(mid + (k1 + r) * cols, 1, lb + r * cols, rt, pl->cols, 1);
-        store_transposed(lb, cols, dst + k1, rows);
-    }
+    // Rows, now columns of mid, a block of lanes at a time; the last pass
+    // writes the output in place: point k2 of row k1 at dst[k2*rows + k1].
+    for (std::size_t k1 = 0; k1 < rows; k1 += lanes)
+        stockham<C, Inv>(mid + k1, rows, dst + k1, rows, b0, b1, pl->cols, lanes, scale);
 }
 
 template <class C>
-void run(const FftPlan<C>* pl, const C* src, C* dst, C* work, bool inverse) {
+void run(const FftPlan<C>* pl, const C* src, C* dst, C* work, bool inverse,
+         typename RealOf<C>::type scale) {
     if (pl->rowsLog == 0) {
         if (inverse)
-            stockham<C, true>(src, 1, dst, work, pl->whole, 1);
+            stockham<C, true>(src, 1, dst, 1, work, nullptr, pl->whole, 1, scale);
         else
-            stockham<C, false>(src, 1, dst, work, pl->whole, 1);
+            stockham<C, false>(src, 1, dst, 1, work, nullptr, pl->whole, 1, scale);
     } else {
         if (inverse)
-            four_step<C, true>(pl, src, dst, work);
+            four_step<C, true>(pl, src, dst, work, scale);
         else
-            four_step<C, false>(pl, src, dst, work);
+            four_step<C, false>(pl, src, dst, work, scale);
     }
 }
 
 template <class C, bool Inv>
-void rev_passes(const FftSchedule<C>& sc, C* x, bool fromRev) {
+void rev_passes(const FftSchedule<C>& sc, C* x, bool fromRev, typename RealOf<C>::type scale) {
     using R = typename RealOf<C>::type;
     const std::size_t n = std::size_t(1) << sc.order;
     for (int k = 0; k < sc.passes; ++k) {
         const FftPass& ps = sc.pass[fromRev ? sc.passes - 1 - k : k];
         const C* tw = sc.tw + ps.tw;
+        const R s = k == sc.passes - 1 ? scale : R(1);
         if (ps.kind == kPassRevEnd4) {
             by_width<true>(static_cast<R*>(nullptr), n / 4, [&](auto t) {
                 using V = typename decltype(t)::type;
                 if (fromRev)
                     dit_first4<V, Inv>(x, n);
                 else
-                    dif_end4<V, Inv>(x, n);
+                    dif_end4<V, Inv>(x, n, s);
             });
         } else {
             by_width(static_cast<R*>(nullptr), ps.m, [&](auto t) {
                 using V = typename decltype(t)::type;
                 if (ps.kind == kPassRev8)
-                    fromRev ? dit8<V, Inv>(x, n, ps.m, tw) : dif8<V, Inv>(x, n, ps.m, tw);
+                    fromRev ? dit8<V, Inv>(x, n, ps.m, tw, s) : dif8<V, Inv>(x, n, ps.m, tw);
                 else
-                    fromRev ? dit4<V, Inv>(x, n, ps.m, tw) : dif4<V, Inv>(x, n, ps.m, tw);
+                    fromRev ? dit4<V, Inv>(x, n, ps.m, tw, s) : dif4<V, Inv>(x, n, ps.m, tw);
             });
         }
     }
 }
 
 template <class C>
-void rev(const FftPlan<C>* pl, C* x, bool inverse, bool fromRev) {
+void rev(const FftPlan<C>* pl, C* x, bool inverse, bool fromRev, typename RealOf<C>::type scale) {
     if (inverse)
-        rev_passes<C, true>(pl->rev, x, fromRev);
+        rev_passes<C, true>(pl->rev, x, fromRev, scale);
     else
-        rev_passes<C, false>(pl->rev, x, fromRev);
+        rev_passes<C, false>(pl->rev, x, fromRev, scale);
 }
 
-void rev_c(const FftPlan<CplxFloat>* pl, CplxFloat* x, bool inverse, bool fromRev) {
-    rev(pl, x, inverse, fromRev);
+void rev_c(const FftPlan<CplxFloat>* pl, CplxFloat* x, bool inverse, bool fromRev, float scale) {
+    rev(pl, x, inverse, fromRev, scale);
 }
 
-void rev_z(const FftPlan<CplxDouble>* pl, CplxDouble* x, bool inverse, bool fromRev) {
-    rev(pl, x, inverse, fromRev);
+void rev_z(const FftPlan<CplxDouble>* pl, CplxDouble* x, bool inverse, bool fromRev, double scale) {
+    rev(pl, x, inverse, fromRev, scale);
 }
 
 void run_c(const FftPlan<CplxFloat>* pl, const CplxFloat* src, CplxFloat* dst, CplxFloat* work,
-           bool inverse) {
-    run(pl, src, dst, work, inverse);
+           bool inverse, float scale) {
+    run(pl, src, dst, work, inverse, scale);
 }
 
-void run_z(const FftPlan<CplxDouble>* pl, const CplxDouble* src, CplxDouble* dst,
-           CplxDouble* work, bool inverse) {
-    run(pl, src, dst, work, inverse);
-}
-
-void scale_s(float* x, std::size_t n, float f) {
-    for (std::size_t i = 0; i < n; ++i) x[i] *= f;
-}
-
-void scale_d(double* x, std::size_t n, double f) {
-    for (std::size_t i = 0; i < n; ++i) x[i] *= f;
+void run_z(const FftPlan<CplxDouble>* pl, const CplxDouble* src, CplxDouble* dst, CplxDouble* work,
+           bool inverse, double scale) {
+    run(pl, src, dst, work, inverse, scale);
 }
 
 #undef VEK_KERNEL
 
 }  // namespace
 
-extern const FftOps fft_ops = {run_c, run_z, rev_c, rev_z, scale_s, scale_d};
+extern const FftOps fft_ops = {run_c, run_z, rev_c, rev_z};
 
 }  // namespace VEK_ISA
 }  // namespace vek

@@ -49,9 +49,18 @@ void unit_root(std::uint64_t k, std::uint64_t n, long double* re, long double* i
     k %= n;
     // Fold into the first octant where n allows it exactly.
     bool conj = false, mirror = false, swap = false;
-    if (2 * k > n) { k = n - k; conj = true; }                         // -angle
-    if (n % 2 == 0 && 4 * k > n) { k = n / 2 - k; mirror = true; }     // pi - angle
-    if (n % 4 == 0 && 8 * k > n) { k = n / 4 - k; swap = true; }       // pi/2 - angle
+    if (2 * k > n) {
+        k = n - k;
+        conj = true;
+    }  // -angle
+    if (n % 2 == 0 && 4 * k > n) {
+        k = n / 2 - k;
+        mirror = true;
+    }  // pi - angle
+    if (n % 4 == 0 && 8 * k > n) {
+        k = n / 4 - k;
+        swap = true;
+    }  // pi/2 - angle
     long double c, s;
     if (k == 0) {
         c = 1.0L;
@@ -63,7 +72,11 @@ void unit_root(std::uint64_t k, std::uint64_t n, long double* re, long double* i
         c = std::cos(a);
         s = std::sin(a);
     }
-    if (swap) { const long double t = c; c = s; s = t; }
+    if (swap) {
+        const long double t = c;
+        c = s;
+        s = t;
+    }
     if (mirror) c = -c;
     if (conj) s = -s;
     *re = c;
@@ -107,23 +120,25 @@ void fill_table(CplxKind kind, void* tbl, std::uint64_t n) {
         long double re, im;
         table_root(k, n, &re, &im);
         switch (kind) {
-        case kKindC:
-            static_cast<CplxFloat*>(tbl)[k] = CplxFloat{float(re), float(im)};
-            break;
-        case kKindZ:
-            static_cast<CplxDouble*>(tbl)[k] = CplxDouble{double(re), double(im)};
-            break;
-        default:
-            // Fixed point with 14 fraction bits, truncated toward zero.
-            static_cast<CplxShort*>(tbl)[k] =
-                CplxShort{short(16384.0L * re), short(16384.0L * im)};
-            break;
+            case kKindC:
+                static_cast<CplxFloat*>(tbl)[k] = CplxFloat{float(re), float(im)};
+                break;
+            case kKindZ:
+                static_cast<CplxDouble*>(tbl)[k] = CplxDouble{double(re), double(im)};
+                break;
+            default:
+                // Fixed point with 14 fraction bits, truncated toward zero.
+                static_cast<CplxShort*>(tbl)[k] =
+                    CplxShort{short(16384.0L * re), short(16384.0L * im)};
+                break;
         }
     }
 }
 
 std::size_t element_size(CplxKind kind) {
-    return kind == kKindC ? sizeof(CplxFloat) : kind == kKindZ ? sizeof(CplxDouble) : sizeof(CplxShort);
+    return kind == kKindC   ? sizeof(CplxFloat)
+           : kind == kKindZ ? sizeof(CplxDouble)
+                            : sizeof(CplxShort);
 }
 
 }  // namespace
@@ -217,6 +232,29 @@ std::size_t round64(std::size_t bytes) { return (bytes + 63) & ~std::size_t(63);
 // (one lane), so that the first pass can run its vector loop over them.
 // Fewest passes: radix 8 wherever the bits allow, at most one radix 4 in
 // the middle. Returns the number of twiddles the passes need.
+// Fewest passes for `bits` bits after the first: radix 8 wherever the bits
+// allow, at most one radix 4 in the middle where possible, and a last pass
+// of 2 or 3 bits. Sets the counts of middle passes and the last pass's bits;
+// false when the bits cannot be split so (1 bit, or none).
+bool split_bits(int bits, int* eights, int* fours, int* last) {
+    int best = -1;
+    for (int l : {3, 2}) {
+        const int r = bits - l;
+        if (r < 0 || r == 1) continue;
+        int a = r / 3, b = 0;
+        if (r % 3 == 2) b = 1;
+        if (r % 3 == 1) a -= 1, b = 2;
+        if (best < 0 || a + b < *eights + *fours || (a + b == *eights + *fours && b < *fours))
+            best = l, *eights = a, *fours = b;
+    }
+    *last = best;
+    return best > 0;
+}
+
+// The passes for 2^order points; `first` when the points are contiguous
+// (one lane), so that the first pass can run its vector loop over them (a
+// radix-8 first pass leaves 8 lanes, enough for every vector width after
+// it). Returns the number of twiddles the passes need.
 template <class C>
 std::size_t plan_passes(FftSchedule<C>& s, int order, bool first) {
     s.order = order;
@@ -226,7 +264,7 @@ std::size_t plan_passes(FftSchedule<C>& s, int order, bool first) {
         const std::size_t m = n >> bits;
         s.pass[s.passes++] = FftPass{kind, m, tw};
         if (kind == kPassFirst4 || kind == kPassTw4) tw += 3 * m;
-        if (kind == kPassTw8) tw += 7 * m;
+        if (kind == kPassFirst8 || kind == kPassTw8) tw += 7 * m;
         n = m;
     };
     if (order == 0) return 0;
@@ -234,26 +272,27 @@ std::size_t plan_passes(FftSchedule<C>& s, int order, bool first) {
         add(kPassLast2, 1);
         return 0;
     }
-    int rem = order;
-    if (first && order >= 4) {
+    int eights = 0, fours = 0, last = 0;
+    if (first && order >= 5) {
+        int e8 = 0, f8 = 0, l8 = 0, e4 = 0, f4 = 0, l4 = 0;
+        const bool ok8 = split_bits(order - 3, &e8, &f8, &l8);
+        const bool ok4 = split_bits(order - 2, &e4, &f4, &l4);
+        if (ok8 && (!ok4 || e8 + f8 <= e4 + f4)) {
+            add(kPassFirst8, 3);
+            eights = e8, fours = f8, last = l8;
+        } else {
+            add(kPassFirst4, 2);
+            eights = e4, fours = f4, last = l4;
+        }
+    } else if (first && order == 4) {
         add(kPassFirst4, 2);
-        rem -= 2;
+        last = 2;
+    } else {
+        split_bits(order, &eights, &fours, &last);
     }
-    // Middle bits as 3a + 2b with b <= 1 where possible, for both choices
-    // of the last pass.
-    int best = -1, bestA = 0, bestB = 0;
-    for (int last : {3, 2}) {
-        const int r = rem - last;
-        if (r < 0 || r == 1) continue;
-        int a = r / 3, b = 0;
-        if (r % 3 == 2) b = 1;
-        if (r % 3 == 1) a -= 1, b = 2;
-        if (best < 0 || a + b < bestA + bestB || (a + b == bestA + bestB && b < bestB))
-            best = last, bestA = a, bestB = b;
-    }
-    for (int i = 0; i < bestA; ++i) add(kPassTw8, 3);
-    for (int i = 0; i < bestB; ++i) add(kPassTw4, 2);
-    add(best == 3 ? kPassLast8 : kPassLast4, best);
+    for (int i = 0; i < eights; ++i) add(kPassTw8, 3);
+    for (int i = 0; i < fours; ++i) add(kPassTw4, 2);
+    add(last == 3 ? kPassLast8 : kPassLast4, last);
     return tw;
 }
 
@@ -288,9 +327,9 @@ void fill_passes(const FftSchedule<C>& s, C* tw) {
         const FftPass& p = s.pass[i];
         const std::size_t radix = n / p.m;
         C* t = tw + p.tw;
-        if (p.kind == kPassFirst4) {
+        if (p.kind == kPassFirst4 || p.kind == kPassFirst8) {
             for (std::size_t k = 0; k < p.m; ++k)
-                for (std::size_t r = 1; r < 4; ++r) t[(r - 1) * p.m + k] = root_as<C>(r * k, n);
+                for (std::size_t r = 1; r < radix; ++r) t[(r - 1) * p.m + k] = root_as<C>(r * k, n);
         } else if (p.kind == kPassTw4 || p.kind == kPassTw8) {
             for (std::size_t k = 0; k < p.m; ++k)
                 for (std::size_t r = 1; r < radix; ++r)
@@ -320,14 +359,13 @@ FftPlan<C>* build_plan(int order) {
         plan.lanes = lanes_of<C>();
         const std::size_t r = std::size_t(1) << plan.rowsLog, c = std::size_t(1) << plan.colsLog;
         rowsTw = plan_passes(plan.rows, plan.rowsLog, false);
-        colsTw = plan_passes(plan.cols, plan.colsLog, true);
+        colsTw = plan_passes(plan.cols, plan.colsLog, false);
         lane = r * plan.lanes;
         block = (c / plan.lanes) * r;
     }
     const std::uint64_t bytes = head + round64(wholeTw * sizeof(C)) + round64(revTw * sizeof(C)) +
-                                round64(rowsTw * sizeof(C)) +
-                                round64(colsTw * sizeof(C)) + round64(lane * sizeof(C)) +
-                                round64(block * sizeof(C));
+                                round64(rowsTw * sizeof(C)) + round64(colsTw * sizeof(C)) +
+                                round64(lane * sizeof(C)) + round64(block * sizeof(C));
     auto* mem = static_cast<char*>(table_alloc(bytes));
     if (!mem) return nullptr;
     char* at = mem + head;

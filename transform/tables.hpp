@@ -22,9 +22,8 @@ enum OrderTable : int {
 };
 
 // The kind that owns each row, for the per-kind release.
-constexpr CplxKind kOrderTableKind[kOrderTables] = {kKindC, kKindZ, kKindC, kKindZ, kKindC,
-                                                    kKindZ, kKindV, kKindV, kKindV, kKindV,
-                                                    kKindV};
+constexpr CplxKind kOrderTableKind[kOrderTables] = {kKindC, kKindZ, kKindC, kKindZ, kKindC, kKindZ,
+                                                    kKindV, kKindV, kKindV, kKindV, kKindV};
 
 // Scratch slots of ThreadContext::scratch[kind].
 enum ScratchSlot : int {

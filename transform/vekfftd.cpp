@@ -65,7 +65,7 @@ VEK_API void vekzrFft(double* reSamps, double* imSamps, int order, int flags) {
 }
 
 VEK_API void vekzrFftNip(const double* reInSamps, const double* imInSamps, double* reOutSamps,
-                          double* imOutSamps, int order, int flags) {
+                         double* imOutSamps, int order, int flags) {
     VEK_SITE("vekfftd");
     if (flags & VEK_Free) return vek::fft_free(vek::kKindZ, order);
     if (!fft_order_ok(site, order)) return;

@@ -65,7 +65,7 @@ VEK_API void vekcrFft(float* reSamps, float* imSamps, int order, int flags) {
 }
 
 VEK_API void vekcrFftNip(const float* reInSamps, const float* imInSamps, float* reOutSamps,
-                          float* imOutSamps, int order, int flags) {
+                         float* imOutSamps, int order, int flags) {
     VEK_SITE("vekffts");
     if (flags & VEK_Free) return vek::fft_free(vek::kKindC, order);
     if (!fft_order_ok(site, order)) return;

@@ -1,0 +1,2 @@
+#define VEK_ISA sse2
+#include "stats_kernels.inl"
