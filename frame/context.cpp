@@ -26,7 +26,7 @@ ThreadContext* new_context() {
     return ctx;
 }
 
-ThreadContext* context() {
+ThreadContext* context_slow() {
     ThreadContext* ctx = platform::slot_get();
     if (ctx) return ctx;
     ctx = new_context();

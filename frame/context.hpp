@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "platform.hpp"
 #include "vek.h"
 
 namespace vek {
@@ -44,7 +45,11 @@ struct ThreadContext {
 
 // The calling thread's context, created on first use. Ends the process
 // when no record can be made.
-ThreadContext* context();
+ThreadContext* context_slow();
+inline ThreadContext* context() {
+    if (ThreadContext* ctx = platform::slot_peek()) return ctx;
+    return context_slow();
+}
 
 // A fresh record (status 0, Leaf, box report); null when memory is short.
 ThreadContext* new_context();

@@ -12,6 +12,15 @@ namespace vek::platform {
 
 // The calling thread's context pointer, or null when it has none yet.
 ThreadContext* slot_get();
+
+// The same in a few instructions where the platform allows, else null
+// (then slot_get answers).
+#ifndef _WIN32
+extern __thread ThreadContext* t_ctx __attribute__((tls_model("initial-exec")));
+inline ThreadContext* slot_peek() { return t_ctx; }
+#else
+inline ThreadContext* slot_peek() { return nullptr; }
+#endif
 // Stores the calling thread's context pointer; false when the slot is unusable.
 bool slot_set(ThreadContext* ctx);
 

@@ -21,13 +21,21 @@ namespace vek::platform {
 
 const char kModuleName[] = "libvek.so";
 
+// The key's value, cached where one instruction reads it: every export that
+// touches per-thread state looks it up. The key stays the owner, for its
+// destructor at thread exit.
+__thread ThreadContext* t_ctx __attribute__((tls_model("initial-exec")));
+
 namespace {
 
 pthread_key_t g_key;
 std::atomic<bool> g_key_valid{false};
 std::mutex g_key_mutex;
 
-void on_thread_exit(void* p) { release_context(static_cast<ThreadContext*>(p)); }
+void on_thread_exit(void* p) {
+    t_ctx = nullptr;
+    release_context(static_cast<ThreadContext*>(p));
+}
 
 void create_key() {
     std::lock_guard<std::mutex> lock(g_key_mutex);
@@ -41,7 +49,7 @@ void create_key() {
 __attribute__((constructor)) void on_load() {
     create_key();
     if (!pthread_getspecific(g_key)) {
-        if (ThreadContext* ctx = new_context()) pthread_setspecific(g_key, ctx);
+        if (ThreadContext* ctx = new_context()) slot_set(ctx);
     }
 }
 
@@ -52,6 +60,7 @@ __attribute__((destructor)) void on_unload() {
     if (!g_key_valid.load(std::memory_order_acquire)) return;
     auto* ctx = static_cast<ThreadContext*>(pthread_getspecific(g_key));
     pthread_setspecific(g_key, nullptr);
+    t_ctx = nullptr;
     release_context(ctx);
     pthread_key_delete(g_key);
     g_key_valid.store(false, std::memory_order_release);
@@ -60,13 +69,16 @@ __attribute__((destructor)) void on_unload() {
 }  // namespace
 
 ThreadContext* slot_get() {
+    if (ThreadContext* ctx = t_ctx) return ctx;
     if (!g_key_valid.load(std::memory_order_acquire)) create_key();
-    return static_cast<ThreadContext*>(pthread_getspecific(g_key));
+    return t_ctx = static_cast<ThreadContext*>(pthread_getspecific(g_key));
 }
 
 bool slot_set(ThreadContext* ctx) {
     if (!g_key_valid.load(std::memory_order_acquire)) create_key();
-    return pthread_setspecific(g_key, ctx) == 0;
+    if (pthread_setspecific(g_key, ctx) != 0) return false;
+    t_ctx = ctx;
+    return true;
 }
 
 void* zero_alloc(std::size_t bytes) { return std::calloc(1, bytes); }
