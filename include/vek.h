@@ -457,6 +457,31 @@ VEK_API void vekdCcs2FftNip(const double* xInSamps, double* xOutSamps,
                             const double* yInSamps, double* yOutSamps, int order,
                             int flags);
 
+/* 16-bit forms: the same transforms and layouts on short data. */
+VEK_API void vekwRealFft(short* samps, int order, int flags, int scaleMode, int* scaleFactor);
+VEK_API void vekwRealFftNip(const short* inSamps, short* outSamps, int order, int flags,
+                            int scaleMode, int* scaleFactor);
+VEK_API void vekwCcsFft(short* samps, int order, int flags, int scaleMode, int* scaleFactor);
+VEK_API void vekwCcsFftNip(const short* inSamps, short* outSamps, int order, int flags,
+                           int scaleMode, int* scaleFactor);
+VEK_API void vekwRealFftl(short* samps, int order, int flags, int scaleMode, int* scaleFactor);
+VEK_API void vekwRealFftlNip(const short* inSamps, short* outSamps, int order, int flags,
+                             int scaleMode, int* scaleFactor);
+VEK_API void vekwCcsFftl(short* samps, int order, int flags, int scaleMode, int* scaleFactor);
+VEK_API void vekwCcsFftlNip(const short* inSamps, short* outSamps, int order, int flags,
+                            int scaleMode, int* scaleFactor);
+/* One scale factor for both signals. */
+VEK_API void vekwReal2Fft(short* xSamps, short* ySamps, int order, int flags, int scaleMode,
+                          int* scaleFactor);
+VEK_API void vekwReal2FftNip(const short* xInSamps, short* xOutSamps, const short* yInSamps,
+                             short* yOutSamps, int order, int flags, int scaleMode,
+                             int* scaleFactor);
+VEK_API void vekwCcs2Fft(short* xSamps, short* ySamps, int order, int flags, int scaleMode,
+                         int* scaleFactor);
+VEK_API void vekwCcs2FftNip(const short* xInSamps, short* xOutSamps, const short* yInSamps,
+                            short* yOutSamps, int order, int flags, int scaleMode,
+                            int* scaleFactor);
+
 /* Products of two spectra of N = 2^order points in a packed layout:
  * dst = dst * src (2) or dst = srcA * srcB (3). */
 VEK_API void veksMpyRCPack2(const float* src, float* dst, int order);
@@ -467,6 +492,16 @@ VEK_API void veksMpyRCPerm2(const float* src, float* dst, int order);
 VEK_API void vekdMpyRCPerm2(const double* src, double* dst, int order);
 VEK_API void veksMpyRCPerm3(const float* srcA, const float* srcB, float* dst, int order);
 VEK_API void vekdMpyRCPerm3(const double* srcA, const double* srcB, double* dst, int order);
+/* 16-bit products: exact products narrowed by the element-wise rules of
+ * scaleMode, VEK_AUTO_SCALE with one factor for the whole spectrum. */
+VEK_API void vekwMpyRCPack2(const short* src, short* dst, int order, int scaleMode,
+                            int* scaleFactor);
+VEK_API void vekwMpyRCPack3(const short* srcA, const short* srcB, short* dst, int order,
+                            int scaleMode, int* scaleFactor);
+VEK_API void vekwMpyRCPerm2(const short* src, short* dst, int order, int scaleMode,
+                            int* scaleFactor);
+VEK_API void vekwMpyRCPerm3(const short* srcA, const short* srcB, short* dst, int order,
+                            int scaleMode, int* scaleFactor);
 
 /* end of Real FFT and packed spectra */
 
@@ -539,6 +574,8 @@ VEK_API CplxShort vekvbGoertz(GoertzState* stPtr, const CplxShort* inSamps, int 
  * releases the thread's DCT tables. src may equal dst. */
 VEK_API void veksDct(const float* src, float* dst, int len, int flags);
 VEK_API void vekdDct(const double* src, double* dst, int len, int flags);
+/* 16 bits through float; the results are rounded to nearest and saturated. */
+VEK_API void vekwDct(const short* src, short* dst, int len, int flags);
 
 /* end of DCT */
 

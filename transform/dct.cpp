@@ -287,6 +287,12 @@ bool dct(const double* src, double* dst, int len, bool inverse) {
     return run(src, dst, len, inverse);
 }
 
+float* dct_floats(std::uint64_t count) {
+    void* p = nullptr;
+    with_retry(context(), [&] { return (p = table_alloc(count * sizeof(float))) != nullptr; });
+    return static_cast<float*>(p);
+}
+
 void dct_release(ThreadContext* ctx) {
     if (ctx->dctTbls) {
         for (int i = 0; i < ctx->dctTblCount; ++i) table_free(ctx->dctTbls[i]);

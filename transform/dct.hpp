@@ -9,6 +9,8 @@
 // paired so that each output needs half the products.
 #pragma once
 
+#include <cstdint>
+
 #include "frame/context.hpp"
 
 namespace vek {
@@ -19,6 +21,10 @@ constexpr int kDctMatrixMax = 32;
 // caches released); dst is then unwritten. src may equal dst.
 bool dct(const float* src, float* dst, int len, bool inverse);
 bool dct(const double* src, double* dst, int len, bool inverse);
+
+// A work block of `count` floats (table_free releases it), with the retry;
+// null when memory is short.
+float* dct_floats(std::uint64_t count);
 
 // Both kinds of DCT table of the thread.
 void dct_release(ThreadContext* ctx);

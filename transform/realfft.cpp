@@ -4,6 +4,7 @@
 
 #include "cfft.hpp"
 #include "fft.hpp"
+#include "vector/scale.hpp"
 
 namespace vek {
 
@@ -199,25 +200,6 @@ void mul(const R* a, const R* b, R* dst, int order, SpecLayout layout) {
     Real<R>::cmul(a + first, b + first, dst + first, n / 2 - 1);
 }
 
-// "(flags & 1) && (flags & 2)" and the like, in their order.
-bool flags_ok(const Site& site, int flags, RealCall call) {
-    const char* bad = nullptr;
-    const int a = call.toSpectrum ? VEK_OutRCPack : VEK_InRCPack;
-    const int b = call.toSpectrum ? VEK_OutRCPerm : VEK_InRCPerm;
-    if ((flags & VEK_Forw) && (flags & VEK_Inv))
-        bad = "(flags & 1) && (flags & 2)";
-    else if (!(flags & VEK_Forw) && !(flags & VEK_Inv))
-        bad = "(flags & 1)==0 && (flags & 2)==0";
-    else if (call.low && (flags & a) && (flags & b))
-        bad =
-            call.toSpectrum ? "(flags & 256) && (flags & 512)" : "(flags & 1024) && (flags & 4096)";
-    else if (call.low && !(flags & a) && !(flags & b))
-        bad = call.toSpectrum ? "(flags & 256)==0 && (flags & 512)==0"
-                              : "(flags & 1024)==0 && (flags & 4096)==0";
-    if (bad) site.bad(bad);
-    return !bad;
-}
-
 template <class R>
 void real_call(const Site& site, const R* in, R* out, int order, int flags, RealCall call) {
     constexpr CplxKind kind = Real<R>::kind;
@@ -227,7 +209,7 @@ void real_call(const Site& site, const R* in, R* out, int order, int flags, Real
     if (!ctx || (flags & VEK_Init)) return;
     if (call.nip && !in) return void(site.bad("inSamps==0"));
     if (!out) return void(site.bad(call.nip ? "outSamps==0" : "samps==0"));
-    if (!flags_ok(site, flags, call)) return;
+    if (!real_flags_ok(site, flags, call)) return;
     SpecLayout layout = kLayoutCcs;
     if (call.low) {
         const int pack = call.toSpectrum ? VEK_OutRCPack : VEK_InRCPack;
@@ -251,6 +233,24 @@ void mul_call(const Site& site, const R* a, const R* b, R* dst, int order, SpecL
 
 }  // namespace
 
+bool real_flags_ok(const Site& site, int flags, RealCall call) {
+    const char* bad = nullptr;
+    const int a = call.toSpectrum ? VEK_OutRCPack : VEK_InRCPack;
+    const int b = call.toSpectrum ? VEK_OutRCPerm : VEK_InRCPerm;
+    if ((flags & VEK_Forw) && (flags & VEK_Inv))
+        bad = "(flags & 1) && (flags & 2)";
+    else if (!(flags & VEK_Forw) && !(flags & VEK_Inv))
+        bad = "(flags & 1)==0 && (flags & 2)==0";
+    else if (call.low && (flags & a) && (flags & b))
+        bad =
+            call.toSpectrum ? "(flags & 256) && (flags & 512)" : "(flags & 1024) && (flags & 4096)";
+    else if (call.low && !(flags & a) && !(flags & b))
+        bad = call.toSpectrum ? "(flags & 256)==0 && (flags & 512)==0"
+                              : "(flags & 1024)==0 && (flags & 4096)==0";
+    if (bad) site.bad(bad);
+    return !bad;
+}
+
 void real_fft(const Site& site, const float* in, float* out, int order, int flags, RealCall call) {
     real_call(site, in, out, order, flags, call);
 }
@@ -265,6 +265,80 @@ void spec_mul(const Site& site, const float* a, const float* b, float* dst, int 
 void spec_mul(const Site& site, const double* a, const double* b, double* dst, int order,
               SpecLayout layout, bool three) {
     mul_call(site, a, b, dst, order, layout, three);
+}
+
+namespace {
+
+// Calls f(position, exact product) for every value of the packed product
+// of two 16-bit spectra; both parts of a complex value are computed before
+// either is passed on, so dst may alias a or b.
+template <class F>
+void each_product(const short* a, const short* b, int order, SpecLayout layout, F&& f) {
+    const std::size_t n = std::size_t(1) << order;
+    f(std::size_t(0), std::int64_t(a[0]) * b[0]);
+    if (order == 0) return;
+    const std::size_t last = layout == kLayoutPack ? n - 1 : 1;
+    f(last, std::int64_t(a[last]) * b[last]);
+    const std::size_t first = layout == kLayoutPack ? 1 : 2;
+    for (std::size_t k = 0; k + 1 < n / 2; ++k) {
+        const std::size_t p = first + 2 * k;
+        const std::int64_t ar = a[p], ai = a[p + 1], br = b[p], bi = b[p + 1];
+        const std::int64_t re = ar * br - ai * bi, im = ar * bi + ai * br;
+        f(p, re);
+        f(p + 1, im);
+    }
+}
+
+bool fits16(std::int64_t r) { return r >= kShortMin && r <= kShortMax; }
+
+}  // namespace
+
+void spec_mul(const Site& site, const short* a, const short* b, short* dst, int order,
+              SpecLayout layout, bool three, int scaleMode, int* scaleFactor) {
+    if (!fft_order_ok(site, order)) return;
+    if (three && !a) return void(site.bad("srcA==0"));
+    if (!b) return void(site.bad(three ? "srcB==0" : "src==0"));
+    if (!dst) return void(site.bad("dst==0"));
+    if (scaleMode == VEK_AUTO_SCALE && !scaleFactor) return void(site.bad("scalefactor==0"));
+    if (!three) a = dst;
+    // The element-wise product rules, with one factor for the spectrum.
+    switch (scaleMode) {
+        case VEK_NO_SCALE:
+            each_product(a, b, order, layout,
+                         [&](std::size_t i, std::int64_t r) { dst[i] = wrap16(r); });
+            return;
+        case VEK_SATURATE:
+            each_product(a, b, order, layout,
+                         [&](std::size_t i, std::int64_t r) { dst[i] = sat16(r); });
+            return;
+        case VEK_AUTO_SCALE: {
+            // The smallest right shift that makes every product fit.
+            int sh = 0;
+            each_product(a, b, order, layout, [&](std::size_t, std::int64_t r) {
+                while (!fits16(r >> sh)) ++sh;
+            });
+            each_product(a, b, order, layout,
+                         [&](std::size_t i, std::int64_t r) { dst[i] = wrap16(r >> sh); });
+            *scaleFactor = sh;
+            return;
+        }
+        case VEK_SATURATE | VEK_FIXED_SCALE: {
+            const int f = fixed_factor(scaleFactor);
+            each_product(a, b, order, layout, [&](std::size_t i, std::int64_t r) {
+                // A left shift saturates anything beyond 16 bits, so the
+                // one product beyond 32 bits may be clamped first.
+                if (f < 0) r = r > INT32_MAX ? INT32_MAX : r;
+                dst[i] = fixed_sat_product(r, f);
+            });
+            return;
+        }
+        default: {
+            const int f = fixed_factor(scaleFactor);
+            each_product(a, b, order, layout,
+                         [&](std::size_t i, std::int64_t r) { dst[i] = wrap16(shift_by(r, f)); });
+            return;
+        }
+    }
 }
 
 void rfft_forward(ThreadContext* ctx, const float* in, float* out, int order, int flags,

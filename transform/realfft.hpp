@@ -105,6 +105,8 @@ struct RealCall {
     bool nip;         // pointer names inSamps/outSamps (else samps)
 };
 void real_fft(const Site& site, const float* in, float* out, int order, int flags, RealCall call);
+// The direction checks, then for the l forms the layout checks.
+bool real_flags_ok(const Site& site, int flags, RealCall call);
 void real_fft(const Site& site, const double* in, double* out, int order, int flags, RealCall call);
 
 // The packed products' body: order and pointer checks (srcA/srcB for the
@@ -113,6 +115,12 @@ void spec_mul(const Site& site, const float* a, const float* b, float* dst, int 
               SpecLayout layout, bool three);
 void spec_mul(const Site& site, const double* a, const double* b, double* dst, int order,
               SpecLayout layout, bool three);
+
+// The 16-bit products: the same checks, then in AUTO mode "scalefactor==0"
+// for a null factor; each value narrowed by the element-wise product
+// rules of its scale mode, AUTO with one factor for the spectrum.
+void spec_mul(const Site& site, const short* a, const short* b, short* dst, int order,
+              SpecLayout layout, bool three, int scaleMode, int* scaleFactor);
 
 // dst = a * b for two spectra of 2^order points in RCPack or RCPerm
 // layout; dst may equal a or b.
