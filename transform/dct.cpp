@@ -226,7 +226,8 @@ bool direct(ThreadContext* ctx, const R* src, R* dst, int len, bool inverse, dou
             }
             if (i < half) a0 += u[i] * cs[idx];
             double acc = a0 + a1;
-            if (odd && !(k & 1)) acc += mid * cs[(n * k) % n4];
+            // The middle sample's cosine: N k (k even) is 0 or 2N mod 4N.
+            if (odd && !(k & 1)) acc += mid * cs[n * (k % 4)];
             dst[k] = R(acc * ck);
         }
         return true;
@@ -253,7 +254,7 @@ bool direct(ThreadContext* ctx, const R* src, R* dst, int len, bool inverse, dou
     if (odd) {
         // The middle sample: cos(pi k / 2) vanishes for odd k.
         double e = 0;
-        for (std::size_t k = 0; k < n; k += 2) e += w[k] * cs[(n * k) % n4];
+        for (std::size_t k = 0; k < n; k += 2) e += w[k] * cs[n * (k % 4)];
         dst[half] = R(e);
     }
     return true;

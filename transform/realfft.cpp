@@ -41,21 +41,6 @@ void* recomb_table(ThreadContext* ctx, CplxKind kind, int order) {
     return slot;
 }
 
-bool try_acquire(ThreadContext* ctx, CplxKind kind, int order) {
-    return fft_acquire(ctx, kind, order - 1) && recomb_table(ctx, kind, order);
-}
-
-}  // namespace
-
-bool rfft_acquire(ThreadContext* ctx, CplxKind kind, int order) {
-    if (order < 2) return true;
-    if (try_acquire(ctx, kind, order)) return true;
-    release_kernel_tables(ctx, kind);
-    return try_acquire(ctx, kind, order);
-}
-
-namespace {
-
 // Everything already there: the common case, kept short.
 bool ready(const ThreadContext* ctx, CplxKind kind, int order) {
     const int m = order - 1;
@@ -67,11 +52,21 @@ bool ready(const ThreadContext* ctx, CplxKind kind, int order) {
            set.buffer[kScratchFft] && std::uint64_t(set.length[kScratchFft]) * 8 >= work;
 }
 
+bool try_acquire(ThreadContext* ctx, CplxKind kind, int order) {
+    return fft_acquire(ctx, kind, order - 1) && recomb_table(ctx, kind, order);
+}
+
 }  // namespace
+
+bool rfft_acquire(ThreadContext* ctx, CplxKind kind, int order) {
+    if (order < 2 || ready(ctx, kind, order) || try_acquire(ctx, kind, order)) return true;
+    release_kernel_tables(ctx, kind);
+    return try_acquire(ctx, kind, order);
+}
 
 ThreadContext* rfft_tables(const Site& site, CplxKind kind, int order) {
     ThreadContext* ctx = context();
-    if (order < 2 || ready(ctx, kind, order) || rfft_acquire(ctx, kind, order)) return ctx;
+    if (rfft_acquire(ctx, kind, order)) return ctx;
     site.no_memory("No working Twd memory");
     return nullptr;
 }
