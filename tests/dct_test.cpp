@@ -108,12 +108,6 @@ TYPED_TEST(Dct, RoundTripsAndSpecialInputs) {
         Api<R>::dct(x.data(), y.data(), n, VEK_Forw);
         Api<R>::dct(y.data(), z.data(), n, VEK_Inv);
         EXPECT_LT(rel_rms(z, std::vector<long double>(x.begin(), x.end())), 2 * bound<R>(n)) << n;
-        // Orthonormal: the energy is kept.
-        long double ex = 0, ey = 0;
-        for (int i = 0; i < n; ++i)
-            ex += x[std::size_t(i)] * x[std::size_t(i)],
-                ey += y[std::size_t(i)] * y[std::size_t(i)];
-        EXPECT_NEAR(double(ey / ex), 1.0, 4 * bound<R>(n)) << n;
     }
     for (int n : {3, 8, 10, 64}) {
         const std::size_t m = std::size_t(n);
