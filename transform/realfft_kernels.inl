@@ -314,14 +314,20 @@ void dct_pre(const R* y, R* v, std::size_t n, const R* tc, const R* ts) {
 // two up to 32). All of x is read before y is written.
 template <class R, int N>
 VEK_KERNEL void axpy_rows(const R* m, const R* x, R* y) {
-    typedef R V __attribute__((vector_size(N * sizeof(R))));
-    V acc = {};
+    // Rows as whole native vectors, so that the sums stay in registers.
+    constexpr int kNative = kVecBytes / int(sizeof(R));
+    constexpr int L = N < kNative ? N : kNative, P = N / L;
+    typedef R V __attribute__((vector_size(L * sizeof(R))));
+    V acc[P] = {};
     for (int i = 0; i < N; ++i) {
-        V row;
-        std::memcpy(&row, m + i * N, sizeof row);
-        acc += row * x[i];
+        const R xi = x[i];
+        for (int p = 0; p < P; ++p) {
+            V row;
+            std::memcpy(&row, m + i * N + p * L, sizeof row);
+            acc[p] += row * xi;
+        }
     }
-    std::memcpy(y, &acc, sizeof acc);
+    for (int p = 0; p < P; ++p) std::memcpy(y + p * L, &acc[p], sizeof acc[p]);
 }
 
 template <class R>
