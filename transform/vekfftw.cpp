@@ -119,9 +119,10 @@ void real_w(const Site& site, const RealForm& form, const RealIo* io, int signal
         if (!vek::real_flags_ok(site, flags, form.call) || !scale_ok(site, scaleMode, scaleFactor))
             return;
     }
-    const std::size_t n = std::size_t(1) << order, stride = n + 2;
-    float* buf = work_floats(site, stride * std::size_t(signals));
+    // Counted in 64 bits: two signals of the largest order overflow 32.
+    float* buf = work_floats(site, ((std::uint64_t(1) << order) + 2) * std::uint64_t(signals));
     if (!buf) return;
+    const std::size_t n = std::size_t(1) << order, stride = n + 2;
     if (init) {
         if (signals == 1)
             form.one(nullptr, order, flags);
