@@ -40,7 +40,7 @@ struct Api<CplxDouble> {
     using R = double;
     static constexpr const char* module = "vekfftd";
     static constexpr double tol = 5e-17;
-    static constexpr int large = 19;
+    static constexpr int large = 17;
     static void fft(CplxDouble* x, int o, int f) { vekzFft(x, o, f); }
     static void nip(const CplxDouble* x, CplxDouble* y, int o, int f) { vekzFftNip(x, y, o, f); }
     static void rfft(double* re, double* im, int o, int f) { vekzrFft(re, im, o, f); }
@@ -333,6 +333,7 @@ TYPED_TEST(Fft, InitFreeAndMemory) {
     using C = TypeParam;
     for (int order : {0, 5, 12, 20}) {
         Api<C>::fft(nullptr, order, VEK_Init);
+        Api<C>::fft(nullptr, order, VEK_Init | VEK_OutBitRev);
         Api<C>::nip(nullptr, nullptr, order, VEK_Init | VEK_Forw | VEK_Inv);
         Api<C>::rfft(nullptr, nullptr, order, VEK_Init);
         Api<C>::fft(nullptr, order, VEK_Free);

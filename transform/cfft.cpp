@@ -82,6 +82,10 @@ ThreadContext* fft_tables(const Site& site, CplxKind kind, int order, bool split
 
 void fft_free(CplxKind kind, int order) { fft_release(context(), kind, order); }
 
+void fft_init_orderings(ThreadContext* ctx, CplxKind kind, int order, int flags) {
+    if (flags & (VEK_InBitRev | VEK_OutBitRev)) fft_rev_schedule(ctx, kind, order);
+}
+
 namespace {
 
 template <class C>
@@ -109,13 +113,16 @@ void exec(ThreadContext* ctx, const C* src, C* dst, int order, int flags) {
             ops.run_z(plan, in, out, work, inverse, scale);
     };
     const bool revIn = flags & VEK_InBitRev, revOut = (flags & VEK_OutBitRev) && !revIn;
-    if ((revIn || revOut) && plan->rev.passes) {
+    const auto* rev = revIn || revOut
+                          ? static_cast<const FftSchedule<C>*>(fft_rev_schedule(ctx, kind, order))
+                          : nullptr;
+    if (rev) {
         // In place between the orders, no permutation.
         if (src != dst) std::memcpy(dst, src, sizeof(C) << order);
         if constexpr (kind == kKindC)
-            ops.rev_c(plan, dst, inverse, revIn, scale);
+            ops.rev_c(rev, dst, inverse, revIn, scale);
         else
-            ops.rev_z(plan, dst, inverse, revIn, scale);
+            ops.rev_z(rev, dst, inverse, revIn, scale);
     } else if (revIn) {
         if (src != dst)
             bitrev_copy(src, dst, order, list);

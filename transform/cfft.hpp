@@ -33,6 +33,10 @@ bool fft_flags_ok(const Site& site, int flags);
 // Returns the thread's context, or null after the report.
 ThreadContext* fft_tables(const Site& site, CplxKind kind, int order, bool split);
 
+// VEK_Init with an ordering bit also builds the passes to and from
+// bit-reversed order (without them the transform permutes).
+void fft_init_orderings(ThreadContext* ctx, CplxKind kind, int order, int flags);
+
 // VEK_Free: this order's plan and swap list, and the FFT work area.
 void fft_free(CplxKind kind, int order);
 

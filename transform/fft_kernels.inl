@@ -908,19 +908,22 @@ void rev_passes(const FftSchedule<C>& sc, C* x, bool fromRev, typename RealOf<C>
 }
 
 template <class C>
-void rev(const FftPlan<C>* pl, C* x, bool inverse, bool fromRev, typename RealOf<C>::type scale) {
+void rev(const FftSchedule<C>* sc, C* x, bool inverse, bool fromRev,
+         typename RealOf<C>::type scale) {
     if (inverse)
-        rev_passes<C, true>(pl->rev, x, fromRev, scale);
+        rev_passes<C, true>(*sc, x, fromRev, scale);
     else
-        rev_passes<C, false>(pl->rev, x, fromRev, scale);
+        rev_passes<C, false>(*sc, x, fromRev, scale);
 }
 
-void rev_c(const FftPlan<CplxFloat>* pl, CplxFloat* x, bool inverse, bool fromRev, float scale) {
-    rev(pl, x, inverse, fromRev, scale);
+void rev_c(const FftSchedule<CplxFloat>* sc, CplxFloat* x, bool inverse, bool fromRev,
+           float scale) {
+    rev(sc, x, inverse, fromRev, scale);
 }
 
-void rev_z(const FftPlan<CplxDouble>* pl, CplxDouble* x, bool inverse, bool fromRev, double scale) {
-    rev(pl, x, inverse, fromRev, scale);
+void rev_z(const FftSchedule<CplxDouble>* sc, CplxDouble* x, bool inverse, bool fromRev,
+           double scale) {
+    rev(sc, x, inverse, fromRev, scale);
 }
 
 void run_c(const FftPlan<CplxFloat>* pl, const CplxFloat* src, CplxFloat* dst, CplxFloat* work,

@@ -349,10 +349,9 @@ FftPlan<C>* build_plan(int order) {
     FftPlan<C> plan{};
     plan.order = order;
     const bool direct = order < four_step_order<C>();
-    std::size_t wholeTw = 0, revTw = 0, rowsTw = 0, colsTw = 0, lane = 0, block = 0;
+    std::size_t wholeTw = 0, rowsTw = 0, colsTw = 0, lane = 0, block = 0;
     if (direct) {
         wholeTw = plan_passes(plan.whole, order, true);
-        revTw = plan_rev_passes(plan.rev, order);
     } else {
         plan.rowsLog = order / 2;
         plan.colsLog = order - plan.rowsLog;
@@ -363,9 +362,9 @@ FftPlan<C>* build_plan(int order) {
         lane = r * plan.lanes;
         block = (c / plan.lanes) * r;
     }
-    const std::uint64_t bytes = head + round64(wholeTw * sizeof(C)) + round64(revTw * sizeof(C)) +
-                                round64(rowsTw * sizeof(C)) + round64(colsTw * sizeof(C)) +
-                                round64(lane * sizeof(C)) + round64(block * sizeof(C));
+    const std::uint64_t bytes = head + round64(wholeTw * sizeof(C)) + round64(rowsTw * sizeof(C)) +
+                                round64(colsTw * sizeof(C)) + round64(lane * sizeof(C)) +
+                                round64(block * sizeof(C));
     auto* mem = static_cast<char*>(table_alloc(bytes));
     if (!mem) return nullptr;
     char* at = mem + head;
@@ -378,9 +377,6 @@ FftPlan<C>* build_plan(int order) {
         C* tw = take(wholeTw);
         fill_passes(plan.whole, tw);
         plan.whole.tw = tw;
-        C* rv = take(revTw);
-        fill_passes(plan.rev, rv);
-        plan.rev.tw = rv;
     } else {
         C* twr = take(rowsTw);
         C* twc = take(colsTw);
@@ -404,6 +400,20 @@ FftPlan<C>* build_plan(int order) {
     return reinterpret_cast<FftPlan<C>*>(mem);
 }
 
+template <class C>
+FftSchedule<C>* build_rev(int order) {
+    const std::size_t head = round64(sizeof(FftSchedule<C>));
+    FftSchedule<C> sc{};
+    const std::size_t tw = plan_rev_passes(sc, order);
+    auto* mem = static_cast<char*>(table_alloc(head + std::uint64_t(tw) * sizeof(C)));
+    if (!mem) return nullptr;
+    C* t = reinterpret_cast<C*>(mem + head);
+    fill_passes(sc, t);
+    sc.tw = t;
+    std::memcpy(mem, &sc, sizeof sc);
+    return reinterpret_cast<FftSchedule<C>*>(mem);
+}
+
 int plan_row(CplxKind kind) { return kind == kKindC ? kTblPlanC : kTblPlanZ; }
 
 }  // namespace
@@ -416,6 +426,18 @@ const void* fft_plan(ThreadContext* ctx, CplxKind kind, int order) {
             slot = build_plan<CplxFloat>(order);
         else
             slot = build_plan<CplxDouble>(order);
+    }
+    return slot;
+}
+
+const void* fft_rev_schedule(ThreadContext* ctx, CplxKind kind, int order) {
+    if (order < 4 || order >= kOrders || kind == kKindV) return nullptr;
+    void*& slot = ctx->orderTbl[kind == kKindC ? kTblRevC : kTblRevZ][order];
+    if (!slot) {
+        if (kind == kKindC)
+            slot = build_rev<CplxFloat>(order);
+        else
+            slot = build_rev<CplxDouble>(order);
     }
     return slot;
 }
@@ -455,18 +477,17 @@ bool try_acquire(ThreadContext* ctx, CplxKind kind, int order) {
 bool fft_acquire(ThreadContext* ctx, CplxKind kind, int order) {
     if (try_acquire(ctx, kind, order)) return true;
     release_kernel_tables(ctx, kind);
-    drop(ctx->scratch[kind].buffer[kScratchFft]);
-    ctx->scratch[kind].length[kScratchFft] = 0;
+    scratch_release(ctx, kind, kScratchFft);
     return try_acquire(ctx, kind, order);
 }
 
 void fft_release(ThreadContext* ctx, CplxKind kind, int order) {
     if (order >= 0 && order < kOrders) {
         drop(ctx->orderTbl[plan_row(kind)][order]);
+        drop(ctx->orderTbl[kind == kKindC ? kTblRevC : kTblRevZ][order]);
         drop(ctx->swapList[order]);
     }
-    drop(ctx->scratch[kind].buffer[kScratchFft]);
-    ctx->scratch[kind].length[kScratchFft] = 0;
+    scratch_release(ctx, kind, kScratchFft);
 }
 
 // ----------------------------------------------------------------- release

@@ -15,8 +15,8 @@ enum OrderTable : int {
     kTblPlanZ = 1,    // complex-double FFT plans
     kTblRecombC = 2,  // real-transform recombination tables, float
     kTblRecombZ = 3,  // the same, double
-    kTblSpareC = 4,   // free for later float-kind tables
-    kTblSpareZ = 5,   // free for later double-kind tables
+    kTblRevC = 4,     // complex-float passes to and from bit-reversed order
+    kTblRevZ = 5,     // the same, double
     kTblSpareV = 6,   // free for later 16-bit-kind tables
     kOrderTables = 11
 };
@@ -54,6 +54,11 @@ void* fft_twiddles(ThreadContext* ctx, CplxKind kind, int order);
 
 // The plan of one order (see fft.hpp), built on first use; kind c or z.
 const void* fft_plan(ThreadContext* ctx, CplxKind kind, int order);
+
+// The in-place passes between natural and bit-reversed order of one order
+// (an FftSchedule with its twiddles), built on first use; null below order
+// 4 or when memory is short (the transform then permutes instead).
+const void* fft_rev_schedule(ThreadContext* ctx, CplxKind kind, int order);
 
 // A work buffer of at least `bytes`, kept in scratch slot `slot` of `kind`
 // and grown when too small. Null when memory is short.

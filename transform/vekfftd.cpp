@@ -17,7 +17,7 @@ VEK_API void vekzFft(CplxDouble* samps, int order, int flags) {
     if (!fft_order_ok(site, order)) return;
     vek::ThreadContext* ctx = fft_tables(site, vek::kKindZ, order, false);
     if (!ctx) return;
-    if (flags & VEK_Init) return;
+    if (flags & VEK_Init) return vek::fft_init_orderings(ctx, vek::kKindZ, order, flags);
     if (!samps) {
         site.bad("samps==0");
         return;
@@ -32,7 +32,7 @@ VEK_API void vekzFftNip(const CplxDouble* inSamps, CplxDouble* outSamps, int ord
     if (!fft_order_ok(site, order)) return;
     vek::ThreadContext* ctx = fft_tables(site, vek::kKindZ, order, false);
     if (!ctx) return;
-    if (flags & VEK_Init) return;
+    if (flags & VEK_Init) return vek::fft_init_orderings(ctx, vek::kKindZ, order, flags);
     if (!inSamps) {
         site.bad("inSamps==0");
         return;
@@ -51,7 +51,7 @@ VEK_API void vekzrFft(double* reSamps, double* imSamps, int order, int flags) {
     if (!fft_order_ok(site, order)) return;
     vek::ThreadContext* ctx = fft_tables(site, vek::kKindZ, order, true);
     if (!ctx) return;
-    if (flags & VEK_Init) return;
+    if (flags & VEK_Init) return vek::fft_init_orderings(ctx, vek::kKindZ, order, flags);
     if (!reSamps) {
         site.bad("reSamps==0");
         return;
@@ -71,7 +71,7 @@ VEK_API void vekzrFftNip(const double* reInSamps, const double* imInSamps, doubl
     if (!fft_order_ok(site, order)) return;
     vek::ThreadContext* ctx = fft_tables(site, vek::kKindZ, order, true);
     if (!ctx) return;
-    if (flags & VEK_Init) return;
+    if (flags & VEK_Init) return vek::fft_init_orderings(ctx, vek::kKindZ, order, flags);
     if (!reInSamps) {
         site.bad("reInSamps==0");
         return;

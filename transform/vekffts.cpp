@@ -17,7 +17,7 @@ VEK_API void vekcFft(CplxFloat* samps, int order, int flags) {
     if (!fft_order_ok(site, order)) return;
     vek::ThreadContext* ctx = fft_tables(site, vek::kKindC, order, false);
     if (!ctx) return;
-    if (flags & VEK_Init) return;
+    if (flags & VEK_Init) return vek::fft_init_orderings(ctx, vek::kKindC, order, flags);
     if (!samps) {
         site.bad("samps==0");
         return;
@@ -32,7 +32,7 @@ VEK_API void vekcFftNip(const CplxFloat* inSamps, CplxFloat* outSamps, int order
     if (!fft_order_ok(site, order)) return;
     vek::ThreadContext* ctx = fft_tables(site, vek::kKindC, order, false);
     if (!ctx) return;
-    if (flags & VEK_Init) return;
+    if (flags & VEK_Init) return vek::fft_init_orderings(ctx, vek::kKindC, order, flags);
     if (!inSamps) {
         site.bad("inSamps==0");
         return;
@@ -51,7 +51,7 @@ VEK_API void vekcrFft(float* reSamps, float* imSamps, int order, int flags) {
     if (!fft_order_ok(site, order)) return;
     vek::ThreadContext* ctx = fft_tables(site, vek::kKindC, order, true);
     if (!ctx) return;
-    if (flags & VEK_Init) return;
+    if (flags & VEK_Init) return vek::fft_init_orderings(ctx, vek::kKindC, order, flags);
     if (!reSamps) {
         site.bad("reSamps==0");
         return;
@@ -71,7 +71,7 @@ VEK_API void vekcrFftNip(const float* reInSamps, const float* imInSamps, float* 
     if (!fft_order_ok(site, order)) return;
     vek::ThreadContext* ctx = fft_tables(site, vek::kKindC, order, true);
     if (!ctx) return;
-    if (flags & VEK_Init) return;
+    if (flags & VEK_Init) return vek::fft_init_orderings(ctx, vek::kKindC, order, flags);
     if (!reInSamps) {
         site.bad("reInSamps==0");
         return;

@@ -77,8 +77,8 @@ VEK_API CplxShort vekwbGoertz(GoertzState* stPtr, const short* inSamps, int len,
     if (!block_ok(site, stPtr, inSamps, len, scaleMode, scaleFactor)) return CplxShort{0, 0};
     return narrow(gz::run(stPtr->s, inSamps, len), scaleMode, scaleFactor);
 }
-VEK_API CplxShort vekvbGoertz(GoertzState* stPtr, const CplxShort* inSamps, int len,
-                              int scaleMode, int* scaleFactor) {
+VEK_API CplxShort vekvbGoertz(GoertzState* stPtr, const CplxShort* inSamps, int len, int scaleMode,
+                              int* scaleFactor) {
     VEK_SITE(kModule);
     if (!block_ok(site, stPtr, inSamps, len, scaleMode, scaleFactor)) return CplxShort{0, 0};
     return narrow(gz::run(stPtr->c, inSamps, len), scaleMode, scaleFactor);
