@@ -132,18 +132,19 @@ TYPED_TEST(RealFft, EveryOrderAndLayoutMatchesReference) {
             const auto fwdNip = ccs ? Api<R>::realFftNip : Api<R>::realFftlNip;
             const auto inv = ccs ? Api<R>::ccsFft : Api<R>::ccsFftl;
             const auto invNip = ccs ? Api<R>::ccsFftNip : Api<R>::ccsFftlNip;
-            const std::vector<long double> spec = laid_out(X, layout), speci = laid_out(Xi, layout);
+            const std::vector<long double> wantFwd = laid_out(X, layout),
+                                           wantInv = laid_out(Xi, layout);
             const std::size_t size = layout == kCcs ? n + 2 : n;
             SCOPED_TRACE(testing::Message() << "order " << order << " layout " << layout);
 
             std::vector<R> a(size + 1, R(9));
             std::copy(x.begin(), x.end(), a.begin());
             fwd(a.data(), order, VEK_Forw | out);
-            EXPECT_LT(rel_rms(a.data(), spec), tol);
+            EXPECT_LT(rel_rms(a.data(), wantFwd), tol);
             EXPECT_EQ(a[size], R(9));  // nothing beyond the layout's size
             std::vector<R> b(size + 1, R(9));
             fwdNip(x.data(), b.data(), order, VEK_Inv | out);
-            EXPECT_LT(rel_rms(b.data(), speci), tol);
+            EXPECT_LT(rel_rms(b.data(), wantInv), tol);
             EXPECT_EQ(b[size], R(9));
 
             // Back from the spectrum just computed.

@@ -117,7 +117,7 @@ const typename Real<R>::C* recomb_of(const ThreadContext* ctx, int order) {
 }
 
 template <class R>
-void forward(ThreadContext* ctx, const R* in, R* out, int order, int flags, SpecLayout layout) {
+void forward(ThreadContext* ctx, const R* in, R* out, int order, int flags, SpectrumLayout layout) {
     using C = typename Real<R>::C;
     const std::size_t n = std::size_t(1) << order;
     const R s = scale_of<R>(order, flags);
@@ -159,7 +159,7 @@ void forward(ThreadContext* ctx, const R* in, R* out, int order, int flags, Spec
 }
 
 template <class R>
-void inverse(ThreadContext* ctx, const R* in, R* out, int order, int flags, SpecLayout layout) {
+void inverse(ThreadContext* ctx, const R* in, R* out, int order, int flags, SpectrumLayout layout) {
     using C = typename Real<R>::C;
     const std::size_t n = std::size_t(1) << order;
     if (order == 0) {
@@ -184,7 +184,7 @@ void inverse(ThreadContext* ctx, const R* in, R* out, int order, int flags, Spec
 }
 
 template <class R>
-void mul(const R* a, const R* b, R* dst, int order, SpecLayout layout) {
+void mul(const R* a, const R* b, R* dst, int order, SpectrumLayout layout) {
     const std::size_t n = std::size_t(1) << order;
     dst[0] = a[0] * b[0];
     if (order == 0) return;
@@ -205,7 +205,7 @@ void real_call(const Site& site, const R* in, R* out, int order, int flags, Real
     if (call.nip && !in) return void(site.bad("inSamps==0"));
     if (!out) return void(site.bad(call.nip ? "outSamps==0" : "samps==0"));
     if (!real_flags_ok(site, flags, call)) return;
-    SpecLayout layout = kLayoutCcs;
+    SpectrumLayout layout = kLayoutCcs;
     if (call.low) {
         const int pack = call.toSpectrum ? VEK_OutRCPack : VEK_InRCPack;
         layout = (flags & pack) ? kLayoutPack : kLayoutPerm;
@@ -217,7 +217,7 @@ void real_call(const Site& site, const R* in, R* out, int order, int flags, Real
 }
 
 template <class R>
-void mul_call(const Site& site, const R* a, const R* b, R* dst, int order, SpecLayout layout,
+void mul_call(const Site& site, const R* a, const R* b, R* dst, int order, SpectrumLayout layout,
               bool three) {
     if (!fft_order_ok(site, order)) return;
     if (three && !a) return void(site.bad("srcA==0"));
@@ -253,12 +253,12 @@ void real_fft(const Site& site, const double* in, double* out, int order, int fl
               RealCall call) {
     real_call(site, in, out, order, flags, call);
 }
-void spec_mul(const Site& site, const float* a, const float* b, float* dst, int order,
-              SpecLayout layout, bool three) {
+void spectrum_mul(const Site& site, const float* a, const float* b, float* dst, int order,
+                  SpectrumLayout layout, bool three) {
     mul_call(site, a, b, dst, order, layout, three);
 }
-void spec_mul(const Site& site, const double* a, const double* b, double* dst, int order,
-              SpecLayout layout, bool three) {
+void spectrum_mul(const Site& site, const double* a, const double* b, double* dst, int order,
+                  SpectrumLayout layout, bool three) {
     mul_call(site, a, b, dst, order, layout, three);
 }
 
@@ -268,7 +268,7 @@ namespace {
 // of two 16-bit spectra; both parts of a complex value are computed before
 // either is passed on, so dst may alias a or b.
 template <class F>
-void each_product(const short* a, const short* b, int order, SpecLayout layout, F&& f) {
+void each_product(const short* a, const short* b, int order, SpectrumLayout layout, F&& f) {
     const std::size_t n = std::size_t(1) << order;
     f(std::size_t(0), std::int64_t(a[0]) * b[0]);
     if (order == 0) return;
@@ -288,8 +288,8 @@ bool fits16(std::int64_t r) { return r >= kShortMin && r <= kShortMax; }
 
 }  // namespace
 
-void spec_mul(const Site& site, const short* a, const short* b, short* dst, int order,
-              SpecLayout layout, bool three, int scaleMode, int* scaleFactor) {
+void spectrum_mul(const Site& site, const short* a, const short* b, short* dst, int order,
+                  SpectrumLayout layout, bool three, int scaleMode, int* scaleFactor) {
     if (!fft_order_ok(site, order)) return;
     if (three && !a) return void(site.bad("srcA==0"));
     if (!b) return void(site.bad(three ? "srcB==0" : "src==0"));
@@ -337,26 +337,19 @@ void spec_mul(const Site& site, const short* a, const short* b, short* dst, int 
 }
 
 void rfft_forward(ThreadContext* ctx, const float* in, float* out, int order, int flags,
-                  SpecLayout layout) {
+                  SpectrumLayout layout) {
     forward(ctx, in, out, order, flags, layout);
 }
 void rfft_forward(ThreadContext* ctx, const double* in, double* out, int order, int flags,
-                  SpecLayout layout) {
+                  SpectrumLayout layout) {
     forward(ctx, in, out, order, flags, layout);
 }
 void rfft_inverse(ThreadContext* ctx, const float* in, float* out, int order, int flags,
-                  SpecLayout layout) {
+                  SpectrumLayout layout) {
     inverse(ctx, in, out, order, flags, layout);
 }
 void rfft_inverse(ThreadContext* ctx, const double* in, double* out, int order, int flags,
-                  SpecLayout layout) {
+                  SpectrumLayout layout) {
     inverse(ctx, in, out, order, flags, layout);
 }
-void spec_mul(const float* a, const float* b, float* dst, int order, SpecLayout layout) {
-    mul(a, b, dst, order, layout);
-}
-void spec_mul(const double* a, const double* b, double* dst, int order, SpecLayout layout) {
-    mul(a, b, dst, order, layout);
-}
-
 }  // namespace vek

@@ -18,7 +18,7 @@
 namespace vek {
 
 // Where a spectrum keeps X[0].re, X[N/2].re and X[1..N/2-1].
-enum SpecLayout : int {
+enum SpectrumLayout : int {
     kLayoutCcs,   // N+2 values: X[0..N/2] as complex values
     kLayoutPack,  // N values: X[0].re, X[1], ..., X[N/2-1], X[N/2].re
     kLayoutPerm   // N values: X[0].re, X[N/2].re, X[1], ..., X[N/2-1]
@@ -87,15 +87,15 @@ void rfft_free(CplxKind kind, int order);
 // the tables acquired; in may equal out (which then holds N+2 values for
 // CCS). flags: the direction, VEK_NoScale.
 void rfft_forward(ThreadContext* ctx, const float* in, float* out, int order, int flags,
-                  SpecLayout layout);
+                  SpectrumLayout layout);
 void rfft_forward(ThreadContext* ctx, const double* in, double* out, int order, int flags,
-                  SpecLayout layout);
+                  SpectrumLayout layout);
 
 // A conjugate-symmetric spectrum back to N real values; in may equal out.
 void rfft_inverse(ThreadContext* ctx, const float* in, float* out, int order, int flags,
-                  SpecLayout layout);
+                  SpectrumLayout layout);
 void rfft_inverse(ThreadContext* ctx, const double* in, double* out, int order, int flags,
-                  SpecLayout layout);
+                  SpectrumLayout layout);
 
 // The exports' common body: checks in their documented order, tables,
 // then the transform. In-place forms pass in == out and nip false.
@@ -111,20 +111,15 @@ void real_fft(const Site& site, const double* in, double* out, int order, int fl
 
 // The packed products' body: order and pointer checks (srcA/srcB for the
 // three-operand forms, src for the two-operand ones, which pass a = dst).
-void spec_mul(const Site& site, const float* a, const float* b, float* dst, int order,
-              SpecLayout layout, bool three);
-void spec_mul(const Site& site, const double* a, const double* b, double* dst, int order,
-              SpecLayout layout, bool three);
+void spectrum_mul(const Site& site, const float* a, const float* b, float* dst, int order,
+                  SpectrumLayout layout, bool three);
+void spectrum_mul(const Site& site, const double* a, const double* b, double* dst, int order,
+                  SpectrumLayout layout, bool three);
 
 // The 16-bit products: the same checks, then in AUTO mode "scalefactor==0"
 // for a null factor; each value narrowed by the element-wise product
 // rules of its scale mode, AUTO with one factor for the spectrum.
-void spec_mul(const Site& site, const short* a, const short* b, short* dst, int order,
-              SpecLayout layout, bool three, int scaleMode, int* scaleFactor);
-
-// dst = a * b for two spectra of 2^order points in RCPack or RCPerm
-// layout; dst may equal a or b.
-void spec_mul(const float* a, const float* b, float* dst, int order, SpecLayout layout);
-void spec_mul(const double* a, const double* b, double* dst, int order, SpecLayout layout);
+void spectrum_mul(const Site& site, const short* a, const short* b, short* dst, int order,
+                  SpectrumLayout layout, bool three, int scaleMode, int* scaleFactor);
 
 }  // namespace vek

@@ -170,22 +170,22 @@ VEK_API void vekdCcs2FftNip(const double* xInSamps, double* xOutSamps, const dou
 
 VEK_API void vekdMpyRCPack2(const double* src, double* dst, int order) {
     VEK_SITE("vekfftd");
-    vek::spec_mul(site, nullptr, src, dst, order, vek::kLayoutPack, false);
+    vek::spectrum_mul(site, nullptr, src, dst, order, vek::kLayoutPack, false);
 }
 
 VEK_API void vekdMpyRCPack3(const double* srcA, const double* srcB, double* dst, int order) {
     VEK_SITE("vekfftd");
-    vek::spec_mul(site, srcA, srcB, dst, order, vek::kLayoutPack, true);
+    vek::spectrum_mul(site, srcA, srcB, dst, order, vek::kLayoutPack, true);
 }
 
 VEK_API void vekdMpyRCPerm2(const double* src, double* dst, int order) {
     VEK_SITE("vekfftd");
-    vek::spec_mul(site, nullptr, src, dst, order, vek::kLayoutPerm, false);
+    vek::spectrum_mul(site, nullptr, src, dst, order, vek::kLayoutPerm, false);
 }
 
 VEK_API void vekdMpyRCPerm3(const double* srcA, const double* srcB, double* dst, int order) {
     VEK_SITE("vekfftd");
-    vek::spec_mul(site, srcA, srcB, dst, order, vek::kLayoutPerm, true);
+    vek::spectrum_mul(site, srcA, srcB, dst, order, vek::kLayoutPerm, true);
 }
 
 }  // extern "C"

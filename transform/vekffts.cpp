@@ -170,22 +170,22 @@ VEK_API void veksCcs2FftNip(const float* xInSamps, float* xOutSamps, const float
 
 VEK_API void veksMpyRCPack2(const float* src, float* dst, int order) {
     VEK_SITE("vekffts");
-    vek::spec_mul(site, nullptr, src, dst, order, vek::kLayoutPack, false);
+    vek::spectrum_mul(site, nullptr, src, dst, order, vek::kLayoutPack, false);
 }
 
 VEK_API void veksMpyRCPack3(const float* srcA, const float* srcB, float* dst, int order) {
     VEK_SITE("vekffts");
-    vek::spec_mul(site, srcA, srcB, dst, order, vek::kLayoutPack, true);
+    vek::spectrum_mul(site, srcA, srcB, dst, order, vek::kLayoutPack, true);
 }
 
 VEK_API void veksMpyRCPerm2(const float* src, float* dst, int order) {
     VEK_SITE("vekffts");
-    vek::spec_mul(site, nullptr, src, dst, order, vek::kLayoutPerm, false);
+    vek::spectrum_mul(site, nullptr, src, dst, order, vek::kLayoutPerm, false);
 }
 
 VEK_API void veksMpyRCPerm3(const float* srcA, const float* srcB, float* dst, int order) {
     VEK_SITE("vekffts");
-    vek::spec_mul(site, srcA, srcB, dst, order, vek::kLayoutPerm, true);
+    vek::spectrum_mul(site, srcA, srcB, dst, order, vek::kLayoutPerm, true);
 }
 
 }  // extern "C"

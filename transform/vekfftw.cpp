@@ -134,9 +134,9 @@ void real_w(const Site& site, const RealForm& form, const RealIo* io, int signal
     // What the transform reads and writes: N reals; a CCS spectrum of N+2
     // values (of which order 0 has X[0] and 0 only); N packed values.
     const bool ccs = !form.call.low;
-    const std::size_t spec = ccs ? (order == 0 ? 2 : stride) : n;
-    const std::size_t inCount = form.call.toSpectrum ? n : ccs && order == 0 ? 1 : spec;
-    const std::size_t outCount = form.call.toSpectrum ? spec : n;
+    const std::size_t spectrum = ccs ? (order == 0 ? 2 : stride) : n;
+    const std::size_t inCount = form.call.toSpectrum ? n : ccs && order == 0 ? 1 : spectrum;
+    const std::size_t outCount = form.call.toSpectrum ? spectrum : n;
     for (int s = 0; s < signals; ++s)
         veksbIntToFloat(io[s].inName ? io[s].in : io[s].out, buf + s * stride, int(inCount), 16, 0);
     if (signals == 1)
@@ -447,25 +447,27 @@ VEK_API void vekwCcs2FftNip(const short* xInSamps, short* xOutSamps, const short
 VEK_API void vekwMpyRCPack2(const short* src, short* dst, int order, int scaleMode,
                             int* scaleFactor) {
     VEK_SITE("vekfftw");
-    vek::spec_mul(site, nullptr, src, dst, order, vek::kLayoutPack, false, scaleMode, scaleFactor);
+    vek::spectrum_mul(site, nullptr, src, dst, order, vek::kLayoutPack, false, scaleMode,
+                      scaleFactor);
 }
 
 VEK_API void vekwMpyRCPack3(const short* srcA, const short* srcB, short* dst, int order,
                             int scaleMode, int* scaleFactor) {
     VEK_SITE("vekfftw");
-    vek::spec_mul(site, srcA, srcB, dst, order, vek::kLayoutPack, true, scaleMode, scaleFactor);
+    vek::spectrum_mul(site, srcA, srcB, dst, order, vek::kLayoutPack, true, scaleMode, scaleFactor);
 }
 
 VEK_API void vekwMpyRCPerm2(const short* src, short* dst, int order, int scaleMode,
                             int* scaleFactor) {
     VEK_SITE("vekfftw");
-    vek::spec_mul(site, nullptr, src, dst, order, vek::kLayoutPerm, false, scaleMode, scaleFactor);
+    vek::spectrum_mul(site, nullptr, src, dst, order, vek::kLayoutPerm, false, scaleMode,
+                      scaleFactor);
 }
 
 VEK_API void vekwMpyRCPerm3(const short* srcA, const short* srcB, short* dst, int order,
                             int scaleMode, int* scaleFactor) {
     VEK_SITE("vekfftw");
-    vek::spec_mul(site, srcA, srcB, dst, order, vek::kLayoutPerm, true, scaleMode, scaleFactor);
+    vek::spectrum_mul(site, srcA, srcB, dst, order, vek::kLayoutPerm, true, scaleMode, scaleFactor);
 }
 
 }  // extern "C"
