@@ -284,8 +284,6 @@ void each_product(const short* a, const short* b, int order, SpectrumLayout layo
     }
 }
 
-bool fits16(std::int64_t r) { return r >= kShortMin && r <= kShortMax; }
-
 }  // namespace
 
 void spectrum_mul(const Site& site, const short* a, const short* b, short* dst, int order,
@@ -320,9 +318,6 @@ void spectrum_mul(const Site& site, const short* a, const short* b, short* dst, 
         case VEK_SATURATE | VEK_FIXED_SCALE: {
             const int f = fixed_factor(scaleFactor);
             each_product(a, b, order, layout, [&](std::size_t i, std::int64_t r) {
-                // A left shift saturates anything beyond 16 bits, so the
-                // one product beyond 32 bits may be clamped first.
-                if (f < 0) r = r > INT32_MAX ? INT32_MAX : r;
                 dst[i] = fixed_sat_product(r, f);
             });
             return;
