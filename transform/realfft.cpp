@@ -199,7 +199,7 @@ template <class R>
 void real_call(const Site& site, const R* in, R* out, int order, int flags, RealCall call) {
     constexpr CplxKind kind = Real<R>::kind;
     if (flags & VEK_Free) return rfft_free(kind, order);
-    if (!fft_order_ok(site, order)) return;
+    if (!order_ok(site, order)) return;
     ThreadContext* ctx = rfft_tables(site, kind, order);
     if (!ctx || (flags & VEK_Init)) return;
     if (call.nip && !in) return void(site.bad("inSamps==0"));
@@ -219,7 +219,7 @@ void real_call(const Site& site, const R* in, R* out, int order, int flags, Real
 template <class R>
 void mul_call(const Site& site, const R* a, const R* b, R* dst, int order, SpectrumLayout layout,
               bool three) {
-    if (!fft_order_ok(site, order)) return;
+    if (!order_ok(site, order)) return;
     if (three && !a) return void(site.bad("srcA==0"));
     if (!b) return void(site.bad(three ? "srcB==0" : "src==0"));
     if (!dst) return void(site.bad("dst==0"));
@@ -288,7 +288,7 @@ void each_product(const short* a, const short* b, int order, SpectrumLayout layo
 
 void spectrum_mul(const Site& site, const short* a, const short* b, short* dst, int order,
                   SpectrumLayout layout, bool three, int scaleMode, int* scaleFactor) {
-    if (!fft_order_ok(site, order)) return;
+    if (!order_ok(site, order)) return;
     if (three && !a) return void(site.bad("srcA==0"));
     if (!b) return void(site.bad(three ? "srcB==0" : "src==0"));
     if (!dst) return void(site.bad("dst==0"));

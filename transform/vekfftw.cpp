@@ -32,7 +32,7 @@ bool flags_and_scale_ok(const Site& site, int flags, int scaleMode, const int* s
 }
 
 bool order_and_core_ok(const Site& site, int order, int flags) {
-    if (!vek::fft_order_ok(site, order)) return false;
+    if (!vek::order_ok(site, order)) return false;
     if ((flags & VEK_DoIntCore) && (flags & VEK_DoFloatCore)) {
         site.bad("(flags & 8192) && (flags & 16384)");
         return false;
