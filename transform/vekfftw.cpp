@@ -1,7 +1,6 @@
 // Complex and real FFTs of 16-bit data: converted to single precision,
 // transformed, and narrowed back under the caller's scale mode.
 #include <cstring>
-#include <initializer_list>
 
 #include "cfft.hpp"
 #include "realfft.hpp"
@@ -68,12 +67,8 @@ void release_integer_forms(int order) {
         vek::table_free(ctx->swapList[order]);
         ctx->swapList[order] = nullptr;
     }
-    vek::ScratchSet& set = ctx->scratch[vek::kKindV];
-    for (int slot : {vek::kScratchWork1, vek::kScratchWork2}) {
-        vek::table_free(set.buffer[slot]);
-        set.buffer[slot] = nullptr;
-        set.length[slot] = 0;
-    }
+    vek::scratch_release(ctx, vek::kKindV, vek::kScratchWork1);
+    vek::scratch_release(ctx, vek::kKindV, vek::kScratchWork2);
 }
 
 // One 16-bit real transform form: the single-precision export it runs on
@@ -204,10 +199,7 @@ VEK_API void vekvFft(CplxShort* samps, int order, int flags, int scaleMode, int*
     if (!order_and_core_ok(site, order, flags)) return;
     const bool init = flags & VEK_Init;
     if (!init) {
-        if (!samps) {
-            site.bad("samps==0");
-            return;
-        }
+        if (!vek::pointers_set(site, samps, "samps==0")) return;
         if (!flags_and_scale_ok(site, flags, scaleMode, scaleFactor)) return;
     }
     const int n = 2 << order;  // 16-bit values
@@ -242,14 +234,7 @@ VEK_API void vekvFftNip(const CplxShort* inSamps, CplxShort* outSamps, int order
         return;
     }
     if (!order_and_core_ok(site, order, flags)) return;
-    if (!inSamps) {
-        site.bad("inSamps==0");
-        return;
-    }
-    if (!outSamps) {
-        site.bad("outSamps==0");
-        return;
-    }
+    if (!vek::pointers_set(site, inSamps, "inSamps==0", outSamps, "outSamps==0")) return;
     if (!flags_and_scale_ok(site, flags, scaleMode, scaleFactor)) return;
     // The work area first, so that a shortage leaves the output unwritten.
     if (!work_floats(site, std::uint64_t(2) << order)) return;
@@ -268,14 +253,7 @@ VEK_API void vekvrFft(short* reSamps, short* imSamps, int order, int flags, int 
     if (!order_and_core_ok(site, order, flags)) return;
     const bool init = flags & VEK_Init;
     if (!init) {
-        if (!reSamps) {
-            site.bad("reSamps==0");
-            return;
-        }
-        if (!imSamps) {
-            site.bad("imSamps==0");
-            return;
-        }
+        if (!vek::pointers_set(site, reSamps, "reSamps==0", imSamps, "imSamps==0")) return;
         if (!flags_and_scale_ok(site, flags, scaleMode, scaleFactor)) return;
     }
     // Real parts, then imaginary parts, in one block of floats, so that
@@ -330,22 +308,9 @@ VEK_API void vekvrFftNip(const short* reInSamps, const short* imInSamps, short* 
         return;
     }
     if (!order_and_core_ok(site, order, flags)) return;
-    if (!reInSamps) {
-        site.bad("reInSamps==0");
+    if (!vek::pointers_set(site, reInSamps, "reInSamps==0", imInSamps, "imInSamps==0", reOutSamps,
+                           "reOutSamps==0", imOutSamps, "imOutSamps==0"))
         return;
-    }
-    if (!imInSamps) {
-        site.bad("imInSamps==0");
-        return;
-    }
-    if (!reOutSamps) {
-        site.bad("reOutSamps==0");
-        return;
-    }
-    if (!imOutSamps) {
-        site.bad("imOutSamps==0");
-        return;
-    }
     if (!flags_and_scale_ok(site, flags, scaleMode, scaleFactor)) return;
     if (!work_floats(site, std::uint64_t(2) << order)) return;
     std::memmove(reOutSamps, reInSamps, sizeof(short) << order);
