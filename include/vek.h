@@ -604,6 +604,110 @@ VEK_API void vekvrFftNip(const short* reInSamps, const short* imInSamps,
  * Real FFT and packed spectra
  * ======================================================================== */
 
+/* ------------------------------------------------------------------------
+ * FFT of N = 2^order real values (order 0..31) and its inverse. A real
+ * signal's spectrum X[0..N/2] (X[0] and X[N/2] real) is kept in one of
+ * three layouts:
+ *   CCS     N+2 values: X[0].re, 0, X[1].re, X[1].im, ..., X[N/2].re, 0
+ *   RCPack  N values:   X[0].re, X[1].re, X[1].im, ..., X[N/2-1].im, X[N/2].re
+ *   RCPerm  N values:   X[0].re, X[N/2].re, X[1].re, X[1].im, ..., X[N/2-1].im
+ * flags: VEK_Forw or VEK_Inv (the sign of the exponent; VEK_Inv scales by
+ * 1/N unless VEK_NoScale); VEK_Init builds the tables and returns, VEK_Free
+ * releases them (the data pointers may then be NULL). The l forms take
+ * exactly one layout bit: VEK_OutRCPack or VEK_OutRCPerm (RealFftl),
+ * VEK_InRCPack or VEK_InRCPerm (CcsFftl). Nip forms never write their
+ * input. The 16-bit forms compute in single precision and narrow the
+ * result under scaleMode (modes 0 and 1 round to nearest and saturate).
+ * ------------------------------------------------------------------------ */
+
+/* Real signal to CCS spectrum, in place in N+2 values. */
+VEK_API void veksRealFft(float* samps, int order, int flags);
+VEK_API void vekdRealFft(double* samps, int order, int flags);
+VEK_API void veksRealFftNip(const float* inSamps, float* outSamps, int order, int flags);
+VEK_API void vekdRealFftNip(const double* inSamps, double* outSamps, int order, int flags);
+
+/* CCS spectrum to real signal. */
+VEK_API void veksCcsFft(float* samps, int order, int flags);
+VEK_API void vekdCcsFft(double* samps, int order, int flags);
+VEK_API void veksCcsFftNip(const float* inSamps, float* outSamps, int order, int flags);
+VEK_API void vekdCcsFftNip(const double* inSamps, double* outSamps, int order, int flags);
+
+/* Real signal to RCPack or RCPerm spectrum, in place in N values. */
+VEK_API void veksRealFftl(float* samps, int order, int flags);
+VEK_API void vekdRealFftl(double* samps, int order, int flags);
+VEK_API void veksRealFftlNip(const float* inSamps, float* outSamps, int order, int flags);
+VEK_API void vekdRealFftlNip(const double* inSamps, double* outSamps, int order, int flags);
+
+/* RCPack or RCPerm spectrum to real signal. */
+VEK_API void veksCcsFftl(float* samps, int order, int flags);
+VEK_API void vekdCcsFftl(double* samps, int order, int flags);
+VEK_API void veksCcsFftlNip(const float* inSamps, float* outSamps, int order, int flags);
+VEK_API void vekdCcsFftlNip(const double* inSamps, double* outSamps, int order, int flags);
+
+/* Two signals at once, each as by the one-signal form. */
+VEK_API void veksReal2Fft(float* xSamps, float* ySamps, int order, int flags);
+VEK_API void vekdReal2Fft(double* xSamps, double* ySamps, int order, int flags);
+VEK_API void veksReal2FftNip(const float* xInSamps, float* xOutSamps,
+                             const float* yInSamps, float* yOutSamps, int order,
+                             int flags);
+VEK_API void vekdReal2FftNip(const double* xInSamps, double* xOutSamps,
+                             const double* yInSamps, double* yOutSamps, int order,
+                             int flags);
+VEK_API void veksCcs2Fft(float* xSamps, float* ySamps, int order, int flags);
+VEK_API void vekdCcs2Fft(double* xSamps, double* ySamps, int order, int flags);
+VEK_API void veksCcs2FftNip(const float* xInSamps, float* xOutSamps,
+                            const float* yInSamps, float* yOutSamps, int order,
+                            int flags);
+VEK_API void vekdCcs2FftNip(const double* xInSamps, double* xOutSamps,
+                            const double* yInSamps, double* yOutSamps, int order,
+                            int flags);
+
+/* 16-bit forms: the same transforms and layouts on short data. */
+VEK_API void vekwRealFft(short* samps, int order, int flags, int scaleMode, int* scaleFactor);
+VEK_API void vekwRealFftNip(const short* inSamps, short* outSamps, int order, int flags,
+                            int scaleMode, int* scaleFactor);
+VEK_API void vekwCcsFft(short* samps, int order, int flags, int scaleMode, int* scaleFactor);
+VEK_API void vekwCcsFftNip(const short* inSamps, short* outSamps, int order, int flags,
+                           int scaleMode, int* scaleFactor);
+VEK_API void vekwRealFftl(short* samps, int order, int flags, int scaleMode, int* scaleFactor);
+VEK_API void vekwRealFftlNip(const short* inSamps, short* outSamps, int order, int flags,
+                             int scaleMode, int* scaleFactor);
+VEK_API void vekwCcsFftl(short* samps, int order, int flags, int scaleMode, int* scaleFactor);
+VEK_API void vekwCcsFftlNip(const short* inSamps, short* outSamps, int order, int flags,
+                            int scaleMode, int* scaleFactor);
+/* One scale factor for both signals. */
+VEK_API void vekwReal2Fft(short* xSamps, short* ySamps, int order, int flags, int scaleMode,
+                          int* scaleFactor);
+VEK_API void vekwReal2FftNip(const short* xInSamps, short* xOutSamps, const short* yInSamps,
+                             short* yOutSamps, int order, int flags, int scaleMode,
+                             int* scaleFactor);
+VEK_API void vekwCcs2Fft(short* xSamps, short* ySamps, int order, int flags, int scaleMode,
+                         int* scaleFactor);
+VEK_API void vekwCcs2FftNip(const short* xInSamps, short* xOutSamps, const short* yInSamps,
+                            short* yOutSamps, int order, int flags, int scaleMode,
+                            int* scaleFactor);
+
+/* Products of two spectra of N = 2^order points in a packed layout:
+ * dst = dst * src (2) or dst = srcA * srcB (3). */
+VEK_API void veksMpyRCPack2(const float* src, float* dst, int order);
+VEK_API void vekdMpyRCPack2(const double* src, double* dst, int order);
+VEK_API void veksMpyRCPack3(const float* srcA, const float* srcB, float* dst, int order);
+VEK_API void vekdMpyRCPack3(const double* srcA, const double* srcB, double* dst, int order);
+VEK_API void veksMpyRCPerm2(const float* src, float* dst, int order);
+VEK_API void vekdMpyRCPerm2(const double* src, double* dst, int order);
+VEK_API void veksMpyRCPerm3(const float* srcA, const float* srcB, float* dst, int order);
+VEK_API void vekdMpyRCPerm3(const double* srcA, const double* srcB, double* dst, int order);
+/* 16-bit products: exact products narrowed by the element-wise rules of
+ * scaleMode, VEK_AUTO_SCALE with one factor for the whole spectrum. */
+VEK_API void vekwMpyRCPack2(const short* src, short* dst, int order, int scaleMode,
+                            int* scaleFactor);
+VEK_API void vekwMpyRCPack3(const short* srcA, const short* srcB, short* dst, int order,
+                            int scaleMode, int* scaleFactor);
+VEK_API void vekwMpyRCPerm2(const short* src, short* dst, int order, int scaleMode,
+                            int* scaleFactor);
+VEK_API void vekwMpyRCPerm3(const short* srcA, const short* srcB, short* dst, int order,
+                            int scaleMode, int* scaleFactor);
+
 /* end of Real FFT and packed spectra */
 
 /* ========================================================================
@@ -667,6 +771,16 @@ VEK_API CplxShort vekvbGoertz(GoertzState* stPtr, const CplxShort* inSamps, int 
 /* ========================================================================
  * DCT
  * ======================================================================== */
+
+/* Orthonormal DCT of any length len >= 1: forward (VEK_Forw) type II,
+ * X[k] = c(k) * sum x[n] cos(pi (2n+1) k / 2len) with c(0) = 1/sqrt(len)
+ * and c(k) = sqrt(2/len), inverse (VEK_Inv) type III, so that the inverse
+ * restores the input. Exactly one of the two flags; flags == VEK_Free alone
+ * releases the thread's DCT tables. src may equal dst. */
+VEK_API void veksDct(const float* src, float* dst, int len, int flags);
+VEK_API void vekdDct(const double* src, double* dst, int len, int flags);
+/* 16 bits through float; the results are rounded to nearest and saturated. */
+VEK_API void vekwDct(const short* src, short* dst, int len, int flags);
 
 /* end of DCT */
 
