@@ -4,7 +4,6 @@
 
 #include "frame/report.hpp"
 #include "vector/arith.hpp"
-#include "vector/checks.hpp"
 
 namespace {
 

@@ -4,7 +4,6 @@
 
 #include "frame/report.hpp"
 #include "vector/aritw.hpp"
-#include "vector/checks.hpp"
 #include "vector/scale.hpp"
 
 namespace {

@@ -1,7 +1,6 @@
 // Normalisation of float, double and complex vectors: (src - offset) / factor.
 #include "frame/report.hpp"
 #include "vector/arith.hpp"
-#include "vector/checks.hpp"
 
 namespace {
 

@@ -2,7 +2,6 @@
 // float, double and complex vectors.
 #include "frame/report.hpp"
 #include "vector/arith.hpp"
-#include "vector/checks.hpp"
 
 namespace {
 
@@ -27,7 +26,7 @@ void root(const Site& site, Root<T> kernel, const T* src, T* dst, int len) {
 
 template <class T, class R>
 void threshold(const Site& site, const vek::FloatKernels<T, R>& k, const T* src, T* dst, int len,
-            R value, int relOp, const char* negativeMessage) {
+               R value, int relOp, const char* negativeMessage) {
     if (negativeMessage && value < 0) {
         site.bad(negativeMessage);
         return;
