@@ -1,0 +1,334 @@
+// DFT kernels: mixed-radix passes and Bluestein's chirp products, compiled
+// once per instruction set (see dft.hpp for the design). Include after
+// defining VEK_ISA.
+// GCC 12 flags the "undefined" source operand inside its own 512-bit
+// intrinsics as (maybe) uninitialised.
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#pragma GCC diagnostic ignored "-Wuninitialized"
+#include <immintrin.h>
+
+#include <cstddef>
+#include <cstdint>
+
+#include "transform/dft.hpp"
+
+namespace vek {
+namespace VEK_ISA {
+namespace {
+
+#include "transform/cplx_lanes.inl"
+
+// Calls f(tag, a, b) over [0, n) in runs of the widest vectors that fit.
+template <bool Narrow, class R, class F>
+VEK_KERNEL void chunks(std::size_t n, F&& f) {
+    std::size_t i = 0;
+    while (i < n) {
+        by_width<Narrow>(static_cast<R*>(nullptr), n - i, [&](auto t) {
+            using V = typename decltype(t)::type;
+            const std::size_t e = i + (n - i) / V::W * V::W;
+            f(t, i, e);
+            i = e;
+        });
+    }
+}
+
+// ------------------------------------------------------------ butterflies
+
+// Odd radix RX (0: r at run time): x[0..r) becomes X[0..r). Pairs x[k],
+// x[r-k] share their sum a and difference b: X[j] = x0 + sum cos*a -/+ i
+// sum sin*b, and X[r-j] the same with the other sign. cs[t], sn[t]: cos
+// and sin of 2*pi*t/r.
+template <int RX, class V, bool Inv>
+VEK_KERNEL void bfly_odd(typename V::V* x, const typename V::R* cs, const typename V::R* sn,
+                         int rr) {
+    using VT = typename V::V;
+    constexpr int kH = RX ? (RX - 1) / 2 : (kDftMaxRadix - 1) / 2;
+    const int r = RX ? RX : rr;
+    const int h = (r - 1) / 2;
+    VT a[kH], b[kH];
+    const VT x0 = x[0];
+    VT y0 = x0;
+#pragma GCC unroll 16
+    for (int k = 1; k <= h; ++k) {
+        a[k - 1] = V::add(x[k], x[r - k]);
+        b[k - 1] = V::sub(x[k], x[r - k]);
+        y0 = V::add(y0, a[k - 1]);
+    }
+#pragma GCC unroll 16
+    for (int j = 1; j <= h; ++j) {
+        VT A = V::add(x0, V::mul(a[0], V::set1(cs[j])));
+        VT B = V::mul(b[0], V::set1(sn[j]));
+        int t = j;  // j*k mod r
+#pragma GCC unroll 16
+        for (int k = 2; k <= h; ++k) {
+            t += j;
+            if (t >= r) t -= r;
+            A = V::add(A, V::mul(a[k - 1], V::set1(cs[t])));
+            B = V::add(B, V::mul(b[k - 1], V::set1(sn[t])));
+        }
+        const VT mb = mul_mi<V, Inv>(B);
+        x[j] = V::add(A, mb);
+        x[r - j] = V::sub(A, mb);
+    }
+    x[0] = y0;
+}
+
+template <int RX, class V, bool Inv>
+VEK_KERNEL void bfly(typename V::V* x, const typename V::R* cs, const typename V::R* sn, int rr) {
+    if constexpr (RX == 2) {
+        const typename V::V a = x[0];
+        x[0] = V::add(a, x[1]);
+        x[1] = V::sub(a, x[1]);
+    } else if constexpr (RX == 4) {
+        dft4<V, Inv>(x[0], x[1], x[2], x[3]);
+    } else if constexpr (RX == 8) {
+        dft8<V, Inv>(x);
+    } else {
+        bfly_odd<RX, V, Inv>(x, cs, sn, rr);
+    }
+}
+
+// ------------------------------------------------------------ passes
+
+// Lanes [q0, q1) of a pass (see DftPass), vector loop over the lanes with
+// the twiddles broadcast; the last pass (m = 1) needs none, may run in
+// place, and applies the scale.
+template <int RX, class V, bool Inv>
+void pass_q(const typename V::C* x, typename V::C* y, std::size_t L, std::size_t m,
+            const typename V::C* tw, const typename V::R* cs, const typename V::R* sn, int rr,
+            std::size_t q0, std::size_t q1, typename V::R scale) {
+    using VT = typename V::V;
+    constexpr int kR = RX ? RX : kDftMaxRadix;
+    const int r = RX ? RX : rr;
+    const std::size_t s = L * m;
+    const bool scaled = scale != typename V::R(1);
+    const VT sv = V::set1(scale);
+    VT v[kR], wr[kR], wi[kR];
+    for (std::size_t p = 0; p < m; ++p) {
+        const typename V::C* x0 = x + L * p;
+        typename V::C* y0 = y + L * std::size_t(r) * p;
+        if (p != 0)
+            for (int k = 1; k < r; ++k) {
+                wr[k] = V::set1(tw[std::size_t(k - 1) * m + p].re);
+                wi[k] = V::set1(tw[std::size_t(k - 1) * m + p].im);
+            }
+        for (std::size_t q = q0; q < q1; q += V::W) {
+#pragma GCC unroll 16
+            for (int j = 0; j < r; ++j) v[j] = V::load(x0 + q + std::size_t(j) * s);
+            bfly<RX, V, Inv>(v, cs, sn, r);
+            if (p != 0) {
+#pragma GCC unroll 16
+                for (int k = 1; k < r; ++k) v[k] = cmul<V, Inv>(v[k], wr[k], wi[k]);
+            }
+            if (scaled) {
+#pragma GCC unroll 16
+                for (int k = 0; k < r; ++k) v[k] = V::mul(v[k], sv);
+            }
+#pragma GCC unroll 16
+            for (int k = 0; k < r; ++k) V::store(y0 + q + std::size_t(k) * L, v[k]);
+        }
+    }
+}
+
+// y[r*(p+i) + k] = v[k][i]: the outputs of W sub-transforms, interleaved.
+template <int RX, class V>
+VEK_KERNEL void store_spread(typename V::C* y, typename V::V* v, int r) {
+    if constexpr (V::W == 1) {
+#pragma GCC unroll 16
+        for (int k = 0; k < r; ++k) V::store(y + k, v[k]);
+    } else if constexpr (RX == 8) {
+        V::store8(y, v);
+    } else if constexpr (RX == 4 && V::W <= 4) {
+        V::store4(y, v[0], v[1], v[2], v[3]);
+    } else {
+        constexpr int kR = RX ? RX : kDftMaxRadix;
+        alignas(64) typename V::C t[kR * V::W];
+#pragma GCC unroll 16
+        for (int k = 0; k < r; ++k) V::store(t + k * V::W, v[k]);
+        for (int i = 0; i < V::W; ++i)
+#pragma GCC unroll 16
+            for (int k = 0; k < r; ++k) y[r * i + k] = t[k * V::W + i];
+    }
+}
+
+// Sub-transforms [p0, p1) of a first pass (L = 1), vector loop over p with
+// the twiddles loaded as vectors.
+template <int RX, class V, bool Inv>
+void pass_p(const typename V::C* x, typename V::C* y, std::size_t m, const typename V::C* tw,
+            const typename V::R* cs, const typename V::R* sn, int rr, std::size_t p0,
+            std::size_t p1) {
+    using VT = typename V::V;
+    constexpr int kR = RX ? RX : kDftMaxRadix;
+    const int r = RX ? RX : rr;
+    VT v[kR];
+    for (std::size_t p = p0; p < p1; p += V::W) {
+#pragma GCC unroll 16
+        for (int j = 0; j < r; ++j) v[j] = V::load(x + p + std::size_t(j) * m);
+        bfly<RX, V, Inv>(v, cs, sn, r);
+#pragma GCC unroll 16
+        for (int k = 1; k < r; ++k) v[k] = cmulv<V, Inv>(v[k], V::load(tw + std::size_t(k - 1) * m + p));
+        store_spread<RX, V>(y + std::size_t(r) * p, v, r);
+    }
+}
+
+template <int RX, class C, bool Inv>
+void pass(const DftPass& ps, const C* in, C* out, const C* tw, const decltype(C::re)* k,
+          decltype(C::re) scale) {
+    using R = decltype(C::re);
+    const R* cs = k;
+    const R* sn = k + ps.radix;
+    if (ps.spread) {
+        // Four outputs interleave with the four-wide transposes only.
+        chunks<RX == 4, R>(ps.m, [&](auto t, std::size_t a, std::size_t b) {
+            using V = typename decltype(t)::type;
+            pass_p<RX, V, Inv>(in, out, ps.m, tw, cs, sn, ps.radix, a, b);
+        });
+    } else {
+        chunks<false, R>(ps.L, [&](auto t, std::size_t a, std::size_t b) {
+            using V = typename decltype(t)::type;
+            pass_q<RX, V, Inv>(in, out, ps.L, ps.m, tw, cs, sn, ps.radix, a, b, scale);
+        });
+    }
+}
+
+// The passes of a schedule from src to dst, alternating with tmp so that
+// the last lands in dst; src may equal dst (then, for an odd count, the
+// last pass runs in place).
+template <class C, bool Inv>
+void run_passes(const DftSchedule<C>& s, const C* src, C* dst, C* tmp, decltype(C::re) scale) {
+    using R = decltype(C::re);
+    const int passes = s.passes;
+    if (passes == 0) {
+        dst[0] = C{src[0].re * scale, src[0].im * scale};
+        return;
+    }
+    const bool lastInPlace = src == dst && passes % 2 == 1;
+    const C* in = src;
+    for (int i = 0; i < passes; ++i) {
+        const DftPass& ps = s.pass[i];
+        const int after = lastInPlace ? passes - 2 - i : passes - 1 - i;
+        C* out = i == passes - 1 || after % 2 == 0 ? dst : tmp;
+        const C* tw = s.tw + ps.tw;
+        const R* k = s.k + ps.k;
+        const R sc = i == passes - 1 ? scale : R(1);
+        switch (ps.radix) {
+            case 2:
+                pass<2, C, Inv>(ps, in, out, tw, k, sc);
+                break;
+            case 3:
+                pass<3, C, Inv>(ps, in, out, tw, k, sc);
+                break;
+            case 4:
+                pass<4, C, Inv>(ps, in, out, tw, k, sc);
+                break;
+            case 5:
+                pass<5, C, Inv>(ps, in, out, tw, k, sc);
+                break;
+            case 7:
+                pass<7, C, Inv>(ps, in, out, tw, k, sc);
+                break;
+            case 8:
+                pass<8, C, Inv>(ps, in, out, tw, k, sc);
+                break;
+            default:
+                pass<0, C, Inv>(ps, in, out, tw, k, sc);
+                break;
+        }
+        in = out;
+    }
+}
+
+// ------------------------------------------------------------ Bluestein
+
+// a[j] = x[j] * w[j] for j < n (conj(w) for the inverse), 0 up to M.
+template <class C, bool Inv>
+void chirp_in(const C* x, const C* w, C* a, std::size_t n, std::size_t M) {
+    using R = decltype(C::re);
+    chunks<false, R>(n, [&](auto t, std::size_t lo, std::size_t hi) {
+        using V = typename decltype(t)::type;
+        for (std::size_t j = lo; j < hi; j += V::W)
+            V::store(a + j, cmulv<V, Inv>(V::load(x + j), V::load(w + j)));
+    });
+    for (std::size_t j = n; j < M; ++j) a[j] = C{0, 0};
+}
+
+// a[j] *= s[j] (conj(s) for the inverse).
+template <class C, bool Inv>
+void spectrum_mul(C* a, const C* s, std::size_t M) {
+    using R = decltype(C::re);
+    chunks<false, R>(M, [&](auto t, std::size_t lo, std::size_t hi) {
+        using V = typename decltype(t)::type;
+        for (std::size_t j = lo; j < hi; j += V::W)
+            V::store(a + j, cmulv<V, Inv>(V::load(a + j), V::load(s + j)));
+    });
+}
+
+// y[j] = a[j] * w[j] * scale (conj(w) for the inverse).
+template <class C, bool Inv>
+void chirp_out(const C* a, const C* w, C* y, std::size_t n, decltype(C::re) scale) {
+    using R = decltype(C::re);
+    const bool scaled = scale != R(1);
+    chunks<false, R>(n, [&](auto t, std::size_t lo, std::size_t hi) {
+        using V = typename decltype(t)::type;
+        const typename V::V sv = V::set1(scale);
+        for (std::size_t j = lo; j < hi; j += V::W) {
+            typename V::V v = cmulv<V, Inv>(V::load(a + j), V::load(w + j));
+            if (scaled) v = V::mul(v, sv);
+            V::store(y + j, v);
+        }
+    });
+}
+
+// The conjugate direction is the same convolution of the conjugated
+// chirps (the spectrum is symmetric), so only the chirp products differ.
+template <class C, bool Inv>
+void bluestein(const DftPlan<C>& pl, const C* src, C* dst, C* work, decltype(C::re) scale) {
+    const std::size_t n = std::size_t(pl.length), M = std::size_t(pl.sched.n);
+    C* a = work;
+    C* tmp = work + M;
+    chirp_in<C, Inv>(src, pl.chirp, a, n, M);
+    run_passes<C, false>(pl.sched, a, a, tmp, 1);
+    spectrum_mul<C, Inv>(a, pl.spectrum, M);
+    run_passes<C, true>(pl.sched, a, a, tmp, 1);
+    chirp_out<C, Inv>(a, pl.chirp, dst, n, scale);
+}
+
+template <class C>
+void run(const DftPlan<C>* pl, const C* src, C* dst, C* work, bool inverse,
+         decltype(C::re) scale) {
+    if (pl->spectrum) {
+        if (inverse)
+            bluestein<C, true>(*pl, src, dst, work, scale);
+        else
+            bluestein<C, false>(*pl, src, dst, work, scale);
+    } else {
+        if (inverse)
+            run_passes<C, true>(pl->sched, src, dst, work, scale);
+        else
+            run_passes<C, false>(pl->sched, src, dst, work, scale);
+    }
+}
+
+void run_c(const DftPlan<CplxFloat>* pl, const CplxFloat* src, CplxFloat* dst, CplxFloat* work,
+           bool inverse, float scale) {
+    run(pl, src, dst, work, inverse, scale);
+}
+
+void run_z(const DftPlan<CplxDouble>* pl, const CplxDouble* src, CplxDouble* dst,
+           CplxDouble* work, bool inverse, double scale) {
+    run(pl, src, dst, work, inverse, scale);
+}
+
+void passes_z(const DftSchedule<CplxDouble>* s, const CplxDouble* src, CplxDouble* dst,
+              CplxDouble* tmp) {
+    run_passes<CplxDouble, false>(*s, src, dst, tmp, 1);
+}
+
+#undef VEK_KERNEL
+
+}  // namespace
+
+extern const DftOps dft_ops = {run_c, run_z, passes_z};
+
+}  // namespace VEK_ISA
+}  // namespace vek
