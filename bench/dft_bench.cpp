@@ -43,8 +43,7 @@ struct Side<CplxFloat> {
     using Plan = fftwf_plan;
     static Plan plan(int n, CplxFloat* in, CplxFloat* out) {
         return fftwf_plan_dft_1d(n, reinterpret_cast<fftwf_complex*>(in),
-                                 reinterpret_cast<fftwf_complex*>(out), FFTW_FORWARD,
-                                 FFTW_MEASURE);
+                                 reinterpret_cast<fftwf_complex*>(out), FFTW_FORWARD, FFTW_MEASURE);
     }
     static void exec(Plan p) { fftwf_execute(p); }
     static void destroy(Plan p) { fftwf_destroy_plan(p); }
@@ -56,8 +55,8 @@ struct Side<CplxDouble> {
     static void vek(const CplxDouble* x, CplxDouble* y, int n, int flags) {
         vekzDft(x, y, n, flags);
     }
-    static void direct(const CplxDouble* x, CplxDouble* y, CplxDouble* work,
-                       const CplxDouble* tbl, int n) {
+    static void direct(const CplxDouble* x, CplxDouble* y, CplxDouble* work, const CplxDouble* tbl,
+                       int n) {
         native::dft_direct(x, y, work, tbl, n);
     }
     static const CplxDouble* table(int n) { return vekzGetDftTwdTbl(n); }
@@ -134,8 +133,7 @@ void BM_zDft(benchmark::State& s) { compare<CplxDouble>(s); }
 // The lengths of the targets (60, 1000, 4099), smooth ones, powers of two,
 // primes handled by a generic radix and by Bluestein, and long ones.
 void lengths(benchmark::internal::Benchmark* b) {
-    for (int n : {12, 60, 100, 480, 1000, 1024, 1536, 3000, 4099, 10007, 65536, 65537})
-        b->Arg(n);
+    for (int n : {12, 60, 100, 480, 1000, 1024, 1536, 3000, 4099, 10007, 65536, 65537}) b->Arg(n);
 }
 
 }  // namespace

@@ -23,7 +23,6 @@ float mean_float(const float* x, int n);
 // The direct DFT with symmetric pairing, summed in double: work holds n
 // elements, tbl[k] = exp(-2*pi*i*k/n).
 void dft_direct(const CplxFloat* x, CplxFloat* y, CplxFloat* work, const CplxFloat* tbl, int n);
-void dft_direct(const CplxDouble* x, CplxDouble* y, CplxDouble* work, const CplxDouble* tbl,
-                int n);
+void dft_direct(const CplxDouble* x, CplxDouble* y, CplxDouble* work, const CplxDouble* tbl, int n);
 
 }  // namespace native

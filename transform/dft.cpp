@@ -128,8 +128,8 @@ void plan_passes(DftSchedule<C>& s, std::uint64_t n, const int* radix, int count
     for (int i = 0; i < count; ++i) {
         const int r = radix[i];
         m /= std::uint64_t(r);
-        s.pass[i] = DftPass{r, i == 0 && m > 1, std::size_t(L), std::size_t(m), std::size_t(tw),
-                            std::size_t(k)};
+        s.pass[i] = DftPass{
+            r, i == 0 && m > 1, std::size_t(L), std::size_t(m), std::size_t(tw), std::size_t(k)};
         if (m > 1) tw += std::uint64_t(r - 1) * m;
         if (r % 2) k += 2 * std::uint64_t(r);
         L *= std::uint64_t(r);
@@ -225,7 +225,8 @@ DftPlan<C>* build_plan(int length) {
     const bool smooth = factor(n, radix, &count);
     double convCost = 0;
     const std::uint64_t M = n > 1 ? conv_length(n, &convCost) : 0;
-    const bool chirp = M && (!smooth || bluestein_cost(n, M, convCost) < passes_cost(n, radix, count));
+    const bool chirp =
+        M && (!smooth || bluestein_cost(n, M, convCost) < passes_cost(n, radix, count));
     if (!smooth && !chirp) return nullptr;
     if (chirp) factor(M, radix, &count);
 
@@ -284,12 +285,12 @@ const DftPlan<C>* plan_of(ThreadContext* ctx, int length) {
 }
 
 template <class C>
-void exec(ThreadContext* ctx, const C* src, C* dst, C* buff, const C* tbl, int length,
-          bool inverse, double scale) {
+void exec(ThreadContext* ctx, const C* src, C* dst, C* buff, const C* tbl, int length, bool inverse,
+          double scale) {
     using R = decltype(C::re);
     if (const DftPlan<C>* plan = plan_of<C>(ctx, length)) {
-        C* work = plan->spectrum ? static_cast<C*>(dft_conv_buffer(ctx, KindOf<C>::kind, plan))
-                                 : buff;
+        C* work =
+            plan->spectrum ? static_cast<C*>(dft_conv_buffer(ctx, KindOf<C>::kind, plan)) : buff;
         if (work) {
             if constexpr (std::is_same<C, CplxFloat>::value)
                 dft_ops().run_c(plan, src, dst, work, inverse, R(scale));

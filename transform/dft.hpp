@@ -35,7 +35,7 @@ constexpr int kDftMaxPasses = 40;
 // the whole length), is written at y[q + L*(r + radix*p)].
 struct DftPass {
     int radix;
-    int spread;      // first pass (L = 1, m > 1): vector loop over p
+    int spread;  // first pass (L = 1, m > 1): vector loop over p
     std::size_t L;
     std::size_t m;
     std::size_t tw;  // its twiddles: radix-1 arrays of m, tw[(r-1)*m + p]

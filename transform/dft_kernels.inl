@@ -166,7 +166,8 @@ void pass_p(const typename V::C* x, typename V::C* y, std::size_t m, const typen
         for (int j = 0; j < r; ++j) v[j] = V::load(x + p + std::size_t(j) * m);
         bfly<RX, V, Inv>(v, cs, sn, r);
 #pragma GCC unroll 16
-        for (int k = 1; k < r; ++k) v[k] = cmulv<V, Inv>(v[k], V::load(tw + std::size_t(k - 1) * m + p));
+        for (int k = 1; k < r; ++k)
+            v[k] = cmulv<V, Inv>(v[k], V::load(tw + std::size_t(k - 1) * m + p));
         store_spread<RX, V>(y + std::size_t(r) * p, v, r);
     }
 }
@@ -294,8 +295,7 @@ void bluestein(const DftPlan<C>& pl, const C* src, C* dst, C* work, decltype(C::
 }
 
 template <class C>
-void run(const DftPlan<C>* pl, const C* src, C* dst, C* work, bool inverse,
-         decltype(C::re) scale) {
+void run(const DftPlan<C>* pl, const C* src, C* dst, C* work, bool inverse, decltype(C::re) scale) {
     if (pl->spectrum) {
         if (inverse)
             bluestein<C, true>(*pl, src, dst, work, scale);
@@ -314,8 +314,8 @@ void run_c(const DftPlan<CplxFloat>* pl, const CplxFloat* src, CplxFloat* dst, C
     run(pl, src, dst, work, inverse, scale);
 }
 
-void run_z(const DftPlan<CplxDouble>* pl, const CplxDouble* src, CplxDouble* dst,
-           CplxDouble* work, bool inverse, double scale) {
+void run_z(const DftPlan<CplxDouble>* pl, const CplxDouble* src, CplxDouble* dst, CplxDouble* work,
+           bool inverse, double scale) {
     run(pl, src, dst, work, inverse, scale);
 }
 

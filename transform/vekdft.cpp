@@ -21,7 +21,8 @@ void dft(const vek::Site& site, vek::CplxKind kind, const C* src, C* dst, int le
     if (flags & VEK_Init) {
         // The plan and its buffer too, when memory allows (else the
         // transform sums directly).
-        if (const void* plan = vek::dft_plan(ctx, kind, length)) vek::dft_conv_buffer(ctx, kind, plan);
+        if (const void* plan = vek::dft_plan(ctx, kind, length))
+            vek::dft_conv_buffer(ctx, kind, plan);
         return;
     }
     if (flags & VEK_Free) {
