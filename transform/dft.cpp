@@ -74,6 +74,9 @@ bool factor(std::uint64_t n, int* radix, int* count) {
     return n == 1;
 }
 
+// Radices without a butterfly of their own.
+bool generic(int r) { return r > 8; }
+
 double passes_cost(std::uint64_t n, const int* radix, int count) {
     double per = 0;
     for (int i = 0; i < count; ++i) per += pass_cost(radix[i]);
@@ -132,6 +135,7 @@ void plan_passes(DftSchedule<C>& s, std::uint64_t n, const int* radix, int count
             r, i == 0 && m > 1, std::size_t(L), std::size_t(m), std::size_t(tw), std::size_t(k)};
         if (m > 1) tw += std::uint64_t(r - 1) * m;
         if (r % 2) k += 2 * std::uint64_t(r);
+        if (generic(r)) k += 4 * std::uint64_t((r - 1) / 2) * dft_matrix_row(r);
         L *= std::uint64_t(r);
     }
     *twCount = tw;
@@ -142,8 +146,8 @@ void plan_passes(DftSchedule<C>& s, std::uint64_t n, const int* radix, int count
 template <class C>
 void fill_passes(DftSchedule<C>& s, C* tw, decltype(C::re)* k) {
     using R = decltype(C::re);
-    for (int i = 0; i < s.passes; ++i) {
-        const DftPass& ps = s.pass[i];
+    for (int n = 0; n < s.passes; ++n) {
+        const DftPass& ps = s.pass[n];
         const int r = ps.radix;
         if (ps.m > 1)
             for (int j = 1; j < r; ++j)
@@ -157,6 +161,20 @@ void fill_passes(DftSchedule<C>& s, C* tw, decltype(C::re)* k) {
                 k[ps.k + std::size_t(t)] = R(re);
                 k[ps.k + std::size_t(r + t)] = R(-im);
             }
+        if (generic(r)) {
+            // cos and sin of 2*pi*j*i/r at row i-1, column j-1 (i, j = 1..h),
+            // each twice (for both parts of a complex lane).
+            const std::size_t h = std::size_t(r - 1) / 2, row = dft_matrix_row(r);
+            R* cm = k + ps.k + 2 * std::size_t(r);
+            R* sm = cm + 2 * h * row;
+            for (std::size_t i = 0; i < 2 * h * row; ++i) cm[i] = sm[i] = 0;
+            for (std::size_t i = 1; i <= h; ++i)
+                for (std::size_t j = 1; j <= h; ++j) {
+                    const std::size_t t = i * j % std::size_t(r), at = 2 * ((i - 1) * row + j - 1);
+                    cm[at] = cm[at + 1] = k[ps.k + t];
+                    sm[at] = sm[at + 1] = k[ps.k + std::size_t(r) + t];
+                }
+        }
     }
     s.tw = tw;
     s.k = k;
@@ -271,6 +289,7 @@ struct KindOf<CplxDouble> {
 template <class C>
 const DftPlan<C>* plan_of(ThreadContext* ctx, int length) {
     constexpr CplxKind kind = KindOf<C>::kind;
+    if (length <= dft_direct_max<C>()) return nullptr;
     const int count = ctx->dftCount[kind];
     int i = 0;
     while (i < count && ctx->dftLength[kind][i] != length) ++i;
@@ -285,22 +304,18 @@ const DftPlan<C>* plan_of(ThreadContext* ctx, int length) {
 }
 
 template <class C>
-void exec(ThreadContext* ctx, const C* src, C* dst, C* buff, const C* tbl, int length, bool inverse,
+bool fast(ThreadContext* ctx, const C* src, C* dst, C* buff, int length, bool inverse,
           double scale) {
     using R = decltype(C::re);
-    if (const DftPlan<C>* plan = plan_of<C>(ctx, length)) {
-        C* work =
-            plan->spectrum ? static_cast<C*>(dft_conv_buffer(ctx, KindOf<C>::kind, plan)) : buff;
-        if (work) {
-            if constexpr (std::is_same<C, CplxFloat>::value)
-                dft_ops().run_c(plan, src, dst, work, inverse, R(scale));
-            else
-                dft_ops().run_z(plan, src, dst, work, inverse, R(scale));
-            return;
-        }
-    }
-    std::memcpy(buff, src, std::size_t(length) * sizeof(C));
-    dft_direct(buff, dst, tbl, length, inverse, scale);
+    const DftPlan<C>* plan = plan_of<C>(ctx, length);
+    if (!plan) return false;
+    C* work = plan->spectrum ? static_cast<C*>(dft_conv_buffer(ctx, KindOf<C>::kind, plan)) : buff;
+    if (!work) return false;
+    if constexpr (std::is_same<C, CplxFloat>::value)
+        dft_ops().run_c(plan, src, dst, work, inverse, R(scale));
+    else
+        dft_ops().run_z(plan, src, dst, work, inverse, R(scale));
+    return true;
 }
 
 }  // namespace
@@ -325,13 +340,13 @@ void* dft_conv_buffer(ThreadContext* ctx, CplxKind kind, const void* plan) {
     return scratch(ctx, kind, kScratchWork2, bytes);
 }
 
-void dft_exec(ThreadContext* ctx, const CplxFloat* src, CplxFloat* dst, CplxFloat* buff,
-              const CplxFloat* tbl, int length, bool inverse, double scale) {
-    exec(ctx, src, dst, buff, tbl, length, inverse, scale);
+bool dft_fast(ThreadContext* ctx, const CplxFloat* src, CplxFloat* dst, CplxFloat* buff, int length,
+              bool inverse, double scale) {
+    return fast(ctx, src, dst, buff, length, inverse, scale);
 }
-void dft_exec(ThreadContext* ctx, const CplxDouble* src, CplxDouble* dst, CplxDouble* buff,
-              const CplxDouble* tbl, int length, bool inverse, double scale) {
-    exec(ctx, src, dst, buff, tbl, length, inverse, scale);
+bool dft_fast(ThreadContext* ctx, const CplxDouble* src, CplxDouble* dst, CplxDouble* buff,
+              int length, bool inverse, double scale) {
+    return fast(ctx, src, dst, buff, length, inverse, scale);
 }
 
 // ----------------------------------------------------------------- direct

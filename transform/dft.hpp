@@ -18,6 +18,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "frame/cpu.hpp"
 #include "tables.hpp"
@@ -30,6 +31,16 @@ namespace vek {
 constexpr int kDftMaxRadix = 61;
 constexpr int kDftMaxPasses = 40;
 
+// The generic radix runs one column at a time, vectorised over its
+// outputs, when a pass has fewer lanes than this.
+constexpr std::size_t kDftColumnLanes = 4;
+
+// Rows of the generic radix's matrices: half the radix rounded up to a
+// multiple of the widest vector.
+constexpr std::size_t dft_matrix_row(int radix) {
+    return std::size_t((radix - 1) / 2 + 7) & ~std::size_t(7);
+}
+
 // One pass of size radix * m over L lanes: point p + j*m of lane q is read
 // at x[q + L*(p + j*m)]; output r of sub-transform p, times W^(r*p*L) (W of
 // the whole length), is written at y[q + L*(r + radix*p)].
@@ -39,7 +50,8 @@ struct DftPass {
     std::size_t L;
     std::size_t m;
     std::size_t tw;  // its twiddles: radix-1 arrays of m, tw[(r-1)*m + p]
-    std::size_t k;   // odd radix: cos and sin of 2*pi*t/radix, t < radix
+    std::size_t k;   // odd radix: cos and sin of 2*pi*t/radix, t < radix;
+                     // generic radix then the matrices (see dft_kernels.inl)
 };
 
 template <class C>
@@ -90,20 +102,14 @@ extern const DftOps dft_ops;
 const DftOps& dft_ops();
 
 // The plan of the thread's DFT table entry of this length (kind c or z),
-// built on first use. Null when the length has no table entry or memory is
-// short (the transform then sums directly).
+// built on first use. Null for lengths the direct sum serves best, when the
+// length has no table entry, or when memory is short: the transform then
+// sums directly.
 const void* dft_plan(ThreadContext* ctx, CplxKind kind, int length);
 
 // Bluestein's work buffer (scratch slot 2): twice the convolution length.
 // Null for other plans, or when memory is short.
 void* dft_conv_buffer(ThreadContext* ctx, CplxKind kind, const void* plan);
-
-// The transform after the export's checks: buff is the work copy of
-// `length` elements, tbl the length's twiddle table; src may equal dst.
-void dft_exec(ThreadContext* ctx, const CplxFloat* src, CplxFloat* dst, CplxFloat* buff,
-              const CplxFloat* tbl, int length, bool inverse, double scale);
-void dft_exec(ThreadContext* ctx, const CplxDouble* src, CplxDouble* dst, CplxDouble* buff,
-              const CplxDouble* tbl, int length, bool inverse, double scale);
 
 // The direct sum: x (length n, overwritten with pair sums and differences)
 // into out, twiddles tbl[k] = exp(-2*pi*i*k/n), every output times scale.
@@ -112,5 +118,29 @@ void dft_direct(CplxFloat* x, CplxFloat* out, const CplxFloat* tbl, int n, bool 
                 double scale);
 void dft_direct(CplxDouble* x, CplxDouble* out, const CplxDouble* tbl, int n, bool inverse,
                 double scale);
+
+// Up to this length the direct sum beats the passes' fixed costs.
+template <class C>
+constexpr int dft_direct_max() {
+    return sizeof(C) == sizeof(CplxFloat) ? 6 : 10;
+}
+
+// The transform by its plan; false (nothing written) when the plan or its
+// buffer cannot be had.
+bool dft_fast(ThreadContext* ctx, const CplxFloat* src, CplxFloat* dst, CplxFloat* buff, int length,
+              bool inverse, double scale);
+bool dft_fast(ThreadContext* ctx, const CplxDouble* src, CplxDouble* dst, CplxDouble* buff,
+              int length, bool inverse, double scale);
+
+// The transform after the export's checks: buff is the work copy of
+// `length` elements, tbl the length's twiddle table; src may equal dst.
+template <class C>
+inline void dft_exec(ThreadContext* ctx, const C* src, C* dst, C* buff, const C* tbl, int length,
+                     bool inverse, double scale) {
+    if (length > dft_direct_max<C>() && dft_fast(ctx, src, dst, buff, length, inverse, scale))
+        return;
+    std::memcpy(buff, src, std::size_t(length) * sizeof(C));
+    dft_direct(buff, dst, tbl, length, inverse, scale);
+}
 
 }  // namespace vek

@@ -32,6 +32,29 @@ VEK_KERNEL void chunks(std::size_t n, F&& f) {
     }
 }
 
+// One complex value in every lane.
+VEK_KERNEL __m128 bcast(Tag<F1>, const CplxFloat* p) { return F1::load(p); }
+VEK_KERNEL __m128 bcast(Tag<F2>, const CplxFloat* p) {
+    return _mm_castpd_ps(_mm_load1_pd(reinterpret_cast<const double*>(p)));
+}
+VEK_KERNEL __m128d bcast(Tag<D1>, const CplxDouble* p) { return D1::load(p); }
+#ifdef __AVX2__
+VEK_KERNEL __m256 bcast(Tag<F4>, const CplxFloat* p) {
+    return _mm256_castpd_ps(_mm256_broadcast_sd(reinterpret_cast<const double*>(p)));
+}
+VEK_KERNEL __m256d bcast(Tag<D2>, const CplxDouble* p) {
+    return _mm256_broadcast_pd(reinterpret_cast<const __m128d*>(p));
+}
+#endif
+#ifdef __AVX512F__
+VEK_KERNEL __m512 bcast(Tag<F8>, const CplxFloat* p) {
+    return _mm512_castpd_ps(_mm512_broadcastsd_pd(_mm_load_sd(reinterpret_cast<const double*>(p))));
+}
+VEK_KERNEL __m512d bcast(Tag<D4>, const CplxDouble* p) {
+    return _mm512_broadcast_f64x2(_mm_loadu_pd(&p->re));
+}
+#endif
+
 // ------------------------------------------------------------ butterflies
 
 // Odd radix RX (0: r at run time): x[0..r) becomes X[0..r). Pairs x[k],
@@ -172,13 +195,76 @@ void pass_p(const typename V::C* x, typename V::C* y, std::size_t m, const typen
     }
 }
 
+// The generic radix r one column at a time, for passes with few lanes:
+// the pair sums a and differences b of a column, then X[j] and X[r-j] for
+// a vector of j at once from the matrices cos(2*pi*i*j/r) and sin (rows i,
+// columns j, see fill_passes), then the twiddles on each output.
+template <class C, bool Inv>
+void odd_columns(const C* x, C* y, std::size_t L, std::size_t m, const C* tw,
+                 const decltype(C::re)* k, int r, decltype(C::re) scale) {
+    using R = decltype(C::re);
+    constexpr int kH = (kDftMaxRadix - 1) / 2;
+    const std::size_t h = std::size_t(r - 1) / 2, row = dft_matrix_row(r), s = L * m;
+    const R* cm = k + 2 * r;
+    const R* sm = cm + 2 * h * row;
+    C a[kH], b[kH];
+    alignas(64) C P[dft_matrix_row(kDftMaxRadix)], Q[dft_matrix_row(kDftMaxRadix)];
+    by_width(static_cast<R*>(nullptr), row, [&](auto t) {
+        using V = typename decltype(t)::type;
+        using VT = typename V::V;
+        for (std::size_t p = 0; p < m; ++p)
+            for (std::size_t q = 0; q < L; ++q) {
+                const C* x0 = x + q + L * p;
+                const C first = x0[0];
+                C sum = first;
+                for (std::size_t i = 1; i <= h; ++i) {
+                    const C u = x0[i * s], v = x0[(std::size_t(r) - i) * s];
+                    a[i - 1] = C{u.re + v.re, u.im + v.im};
+                    b[i - 1] = C{u.re - v.re, u.im - v.im};
+                    sum = C{sum.re + a[i - 1].re, sum.im + a[i - 1].im};
+                }
+                for (std::size_t j = 0; j < h; j += V::W) {
+                    VT A = bcast(t, &first);
+                    VT B = V::mul(bcast(t, &b[0]), V::load(reinterpret_cast<const C*>(sm) + j));
+                    A = V::add(
+                        A, V::mul(bcast(t, &a[0]), V::load(reinterpret_cast<const C*>(cm) + j)));
+                    for (std::size_t i = 1; i < h; ++i) {
+                        const C* c = reinterpret_cast<const C*>(cm) + i * row + j;
+                        const C* d = reinterpret_cast<const C*>(sm) + i * row + j;
+                        A = V::add(A, V::mul(bcast(t, &a[i]), V::load(c)));
+                        B = V::add(B, V::mul(bcast(t, &b[i]), V::load(d)));
+                    }
+                    const VT mb = mul_mi<V, Inv>(B);
+                    V::store(P + j, V::add(A, mb));
+                    V::store(Q + j, V::sub(A, mb));
+                }
+                C* y0 = y + q + L * std::size_t(r) * p;
+                auto put = [&](std::size_t i, C v) {
+                    if (p != 0 && i != 0) {
+                        const C w = tw[(i - 1) * m + p];
+                        const R wi = Inv ? -w.im : w.im;
+                        v = C{v.re * w.re - v.im * wi, v.re * wi + v.im * w.re};
+                    }
+                    y0[i * L] = C{v.re * scale, v.im * scale};
+                };
+                put(0, sum);
+                for (std::size_t j = 1; j <= h; ++j) {
+                    put(j, P[j - 1]);
+                    put(std::size_t(r) - j, Q[j - 1]);
+                }
+            }
+    });
+}
+
 template <int RX, class C, bool Inv>
 void pass(const DftPass& ps, const C* in, C* out, const C* tw, const decltype(C::re)* k,
           decltype(C::re) scale) {
     using R = decltype(C::re);
     const R* cs = k;
     const R* sn = k + ps.radix;
-    if (ps.spread) {
+    if (RX == 0 && !ps.spread && ps.L < kDftColumnLanes) {
+        odd_columns<C, Inv>(in, out, ps.L, ps.m, tw, k, ps.radix, scale);
+    } else if (ps.spread) {
         // Four outputs interleave with the four-wide transposes only.
         chunks<RX == 4, R>(ps.m, [&](auto t, std::size_t a, std::size_t b) {
             using V = typename decltype(t)::type;
