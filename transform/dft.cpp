@@ -152,7 +152,8 @@ void fill_passes(DftSchedule<C>& s, C* tw, decltype(C::re)* k) {
         if (ps.m > 1)
             for (int j = 1; j < r; ++j)
                 for (std::size_t p = 0; p < ps.m; ++p)
-                    tw[ps.tw + std::size_t(j - 1) * ps.m + p] =
+                    tw[ps.tw + (ps.spread ? std::size_t(j - 1) * ps.m + p
+                                          : p * std::size_t(r - 1) + std::size_t(j - 1))] =
                         root_as<C>(std::uint64_t(j) * p * ps.L, s.n);
         if (r % 2)
             for (int t = 0; t < r; ++t) {

@@ -49,7 +49,9 @@ struct DftPass {
     int spread;  // first pass (L = 1, m > 1): vector loop over p
     std::size_t L;
     std::size_t m;
-    std::size_t tw;  // its twiddles: radix-1 arrays of m, tw[(r-1)*m + p]
+    std::size_t tw;  // its twiddles W^(r*p*L), r = 1..radix-1: in the order
+                     // of the vector loop, tw[(r-1)*m + p] when spread, else
+                     // tw[p*(radix-1) + r-1]
     std::size_t k;   // odd radix: cos and sin of 2*pi*t/radix, t < radix;
                      // generic radix then the matrices (see dft_kernels.inl)
 };

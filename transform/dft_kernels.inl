@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "transform/dft.hpp"
 
@@ -124,33 +125,38 @@ void pass_q(const typename V::C* x, typename V::C* y, std::size_t L, std::size_t
     constexpr int kR = RX ? RX : kDftMaxRadix;
     const int r = RX ? RX : rr;
     const std::size_t s = L * m;
-    const bool scaled = scale != typename V::R(1);
-    const VT sv = V::set1(scale);
-    VT v[kR], wr[kR], wi[kR];
-    for (std::size_t p = 0; p < m; ++p) {
-        const typename V::C* x0 = x + L * p;
-        typename V::C* y0 = y + L * std::size_t(r) * p;
-        if (p != 0)
-            for (int k = 1; k < r; ++k) {
-                wr[k] = V::set1(tw[std::size_t(k - 1) * m + p].re);
-                wi[k] = V::set1(tw[std::size_t(k - 1) * m + p].im);
-            }
+    // The loop over the lanes, with or without twiddles and scale, each
+    // without a test inside.
+    auto lanes = [&](const typename V::C* x0, typename V::C* y0, const typename V::C* w,
+                     auto twiddled, auto scaled) {
+        VT v[kR];
+        const VT sv = V::set1(scale);
         for (std::size_t q = q0; q < q1; q += V::W) {
 #pragma GCC unroll 16
             for (int j = 0; j < r; ++j) v[j] = V::load(x0 + q + std::size_t(j) * s);
             bfly<RX, V, Inv>(v, cs, sn, r);
-            if (p != 0) {
+            if constexpr (decltype(twiddled)::value) {
 #pragma GCC unroll 16
-                for (int k = 1; k < r; ++k) v[k] = cmul<V, Inv>(v[k], wr[k], wi[k]);
+                for (int k = 1; k < r; ++k)
+                    v[k] = cmul<V, Inv>(v[k], V::set1(w[k - 1].re), V::set1(w[k - 1].im));
             }
-            if (scaled) {
+            if constexpr (decltype(scaled)::value) {
 #pragma GCC unroll 16
                 for (int k = 0; k < r; ++k) v[k] = V::mul(v[k], sv);
             }
 #pragma GCC unroll 16
             for (int k = 0; k < r; ++k) V::store(y0 + q + std::size_t(k) * L, v[k]);
         }
-    }
+    };
+    using No = std::false_type;
+    using Yes = std::true_type;
+    // Only the last pass (m = 1, no twiddles) scales.
+    if (scale != typename V::R(1))
+        lanes(x, y, tw, No{}, Yes{});
+    else
+        lanes(x, y, tw, No{}, No{});
+    for (std::size_t p = 1; p < m; ++p)
+        lanes(x + L * p, y + L * std::size_t(r) * p, tw + p * std::size_t(r - 1), Yes{}, No{});
 }
 
 // y[r*(p+i) + k] = v[k][i]: the outputs of W sub-transforms, interleaved.
@@ -241,7 +247,7 @@ void odd_columns(const C* x, C* y, std::size_t L, std::size_t m, const C* tw,
                 C* y0 = y + q + L * std::size_t(r) * p;
                 auto put = [&](std::size_t i, C v) {
                     if (p != 0 && i != 0) {
-                        const C w = tw[(i - 1) * m + p];
+                        const C w = tw[p * (std::size_t(r) - 1) + i - 1];
                         const R wi = Inv ? -w.im : w.im;
                         v = C{v.re * w.re - v.im * wi, v.re * wi + v.im * w.re};
                     }
