@@ -33,15 +33,17 @@ VEK_KERNEL void chunks(std::size_t n, F&& f) {
     }
 }
 
-// One complex value in every lane.
+// One complex value in every lane (loaded through the intrinsics' own
+// types, which may alias the complex element).
 VEK_KERNEL __m128 bcast(Tag<F1>, const CplxFloat* p) { return F1::load(p); }
 VEK_KERNEL __m128 bcast(Tag<F2>, const CplxFloat* p) {
-    return _mm_castpd_ps(_mm_load1_pd(reinterpret_cast<const double*>(p)));
+    const __m128 v = F1::load(p);
+    return _mm_movelh_ps(v, v);
 }
 VEK_KERNEL __m128d bcast(Tag<D1>, const CplxDouble* p) { return D1::load(p); }
 #ifdef __AVX2__
 VEK_KERNEL __m256 bcast(Tag<F4>, const CplxFloat* p) {
-    return _mm256_castpd_ps(_mm256_broadcast_sd(reinterpret_cast<const double*>(p)));
+    return _mm256_castpd_ps(_mm256_broadcastsd_pd(_mm_castps_pd(F1::load(p))));
 }
 VEK_KERNEL __m256d bcast(Tag<D2>, const CplxDouble* p) {
     return _mm256_broadcast_pd(reinterpret_cast<const __m128d*>(p));
@@ -49,10 +51,10 @@ VEK_KERNEL __m256d bcast(Tag<D2>, const CplxDouble* p) {
 #endif
 #ifdef __AVX512F__
 VEK_KERNEL __m512 bcast(Tag<F8>, const CplxFloat* p) {
-    return _mm512_castpd_ps(_mm512_broadcastsd_pd(_mm_load_sd(reinterpret_cast<const double*>(p))));
+    return _mm512_castpd_ps(_mm512_broadcastsd_pd(_mm_castps_pd(F1::load(p))));
 }
 VEK_KERNEL __m512d bcast(Tag<D4>, const CplxDouble* p) {
-    return _mm512_broadcast_f64x2(_mm_loadu_pd(&p->re));
+    return _mm512_broadcast_f64x2(D1::load(p));
 }
 #endif
 
