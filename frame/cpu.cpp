@@ -42,9 +42,10 @@ int detect() { return kIsaSse2; }
 #endif
 
 std::atomic<int> g_best{-1};
-std::atomic<int> g_active{-1};
 
 }  // namespace
+
+std::atomic<int> detail::g_active_isa{-1};
 
 int best_isa() {
     int best = g_best.load(std::memory_order_relaxed);
@@ -55,17 +56,15 @@ int best_isa() {
     return best;
 }
 
-int active_isa() {
-    const int isa = g_active.load(std::memory_order_relaxed);
-    if (isa >= 0) return isa;
+int detail::choose_isa() {
     const int best = best_isa();
-    g_active.store(best, std::memory_order_relaxed);
+    detail::g_active_isa.store(best, std::memory_order_relaxed);
     return best;
 }
 
 bool force_isa(int isa) {
     if (isa < 0 || isa >= kIsaCount || isa > best_isa()) return false;
-    g_active.store(isa, std::memory_order_relaxed);
+    detail::g_active_isa.store(isa, std::memory_order_relaxed);
     return true;
 }
 

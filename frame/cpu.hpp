@@ -6,13 +6,24 @@
 // table of function pointers. Exports pick the table of the active ISA.
 #pragma once
 
+#include <atomic>
+
 namespace vek {
 
 enum Isa : int { kIsaSse2 = 0, kIsaAvx2 = 1, kIsaAvx512 = 2, kIsaCount = 3 };
 
+namespace detail {
+// The active ISA once chosen, -1 before; read inline by every export.
+extern std::atomic<int> g_active_isa;
+int choose_isa();
+}  // namespace detail
+
 // The ISA kernels run with: the best the CPU and the OS support, chosen on
 // first use.
-int active_isa();
+inline int active_isa() {
+    const int isa = detail::g_active_isa.load(std::memory_order_relaxed);
+    return isa >= 0 ? isa : detail::choose_isa();
+}
 
 // The best ISA this CPU and OS support.
 int best_isa();

@@ -166,11 +166,216 @@ VEK_API const LibVersion* vekGetLibVersion(void);
  * Floating-point vector arithmetic (s, d, c, z)
  * ======================================================================== */
 
+/* Vectors: n and len count elements and must be positive. Forms numbered 1
+ * work in place; 2 combine src into dst (dst = dst op src); 3 write
+ * srcA op srcB to dst. A destination may be one of the sources. Results are
+ * computed in double precision and rounded once to the element type; complex
+ * products are (a.re*b.re - a.im*b.im, a.im*b.re + a.re*b.im).
+ *
+ * Copy moves the elements as if through a temporary, so overlapping src and
+ * dst are fine.
+ * Sqr squares; the complex square is ((re - im)(re + im), 2 re im).
+ * Sqrt: a negative real element is left as it was (Sqrt1) or its dst element
+ *   is not written (Sqrt2); the pass completes and then reports once. Complex
+ *   roots are principal roots (real part >= 0).
+ * Thresh: relOp 0 replaces elements below thresh by thresh, any other relOp
+ *   those above it. Complex forms compare magnitudes and keep the phase
+ *   (a zero element raised to thresh becomes thresh + 0i); thresh >= 0.
+ * InvThresh: 1/x, bounded: for thresh > 0 an element of magnitude at most
+ *   thresh gives 1/thresh with the sign (complex: the phase) of 1/x, zero
+ *   counting as positive. For thresh == 0 a zero element gives 3.4028235e38
+ *   in float and CplxFloat data, 0 in double and CplxDouble data, and the
+ *   call reports once after the pass. thresh < 0 is rejected.
+ * Normalize: dst = (src - offset) * (1 / factor), factor != 0. */
+
+VEK_API void veksbAdd1(float val, float* dst, int n);
+VEK_API void veksbAdd2(const float* src, float* dst, int n);
+VEK_API void veksbAdd3(const float* srcA, const float* srcB, float* dst, int n);
+VEK_API void veksbSub1(float val, float* dst, int n);           /* dst - val */
+VEK_API void veksbSub2(const float* src, float* dst, int n);    /* dst - src */
+VEK_API void veksbSub3(const float* srcA, const float* srcB, float* dst, int n);
+VEK_API void veksbMpy1(float val, float* dst, int n);
+VEK_API void veksbMpy2(const float* src, float* dst, int n);
+VEK_API void veksbMpy3(const float* srcA, const float* srcB, float* dst, int n);
+VEK_API void veksbZero(float* dst, int n);
+VEK_API void veksbSet(float val, float* dst, int n);
+VEK_API void veksbCopy(const float* src, float* dst, int n);
+VEK_API void veksbSqr1(float* vec, int len);
+VEK_API void veksbSqr2(const float* src, float* dst, int len);
+VEK_API void veksbSqrt1(float* vec, int len);
+VEK_API void veksbSqrt2(const float* src, float* dst, int len);
+VEK_API void veksbThresh1(float* vec, int len, float thresh, int relOp);
+VEK_API void veksbThresh2(const float* src, float* dst, int len, float thresh, int relOp);
+VEK_API void veksbInvThresh1(float* vec, int len, float thresh);
+VEK_API void veksbInvThresh2(const float* src, float* dst, int len, float thresh);
+VEK_API void veksbAbs1(float* vec, int len);
+VEK_API void veksbAbs2(const float* src, float* dst, int len);
+VEK_API void veksbNormalize(const float* src, float* dst, int n, float offset, float factor);
+
+VEK_API void vekdbAdd1(double val, double* dst, int n);
+VEK_API void vekdbAdd2(const double* src, double* dst, int n);
+VEK_API void vekdbAdd3(const double* srcA, const double* srcB, double* dst, int n);
+VEK_API void vekdbSub1(double val, double* dst, int n);           /* dst - val */
+VEK_API void vekdbSub2(const double* src, double* dst, int n);    /* dst - src */
+VEK_API void vekdbSub3(const double* srcA, const double* srcB, double* dst, int n);
+VEK_API void vekdbMpy1(double val, double* dst, int n);
+VEK_API void vekdbMpy2(const double* src, double* dst, int n);
+VEK_API void vekdbMpy3(const double* srcA, const double* srcB, double* dst, int n);
+VEK_API void vekdbZero(double* dst, int n);
+VEK_API void vekdbSet(double val, double* dst, int n);
+VEK_API void vekdbCopy(const double* src, double* dst, int n);
+VEK_API void vekdbSqr1(double* vec, int len);
+VEK_API void vekdbSqr2(const double* src, double* dst, int len);
+VEK_API void vekdbSqrt1(double* vec, int len);
+VEK_API void vekdbSqrt2(const double* src, double* dst, int len);
+VEK_API void vekdbThresh1(double* vec, int len, double thresh, int relOp);
+VEK_API void vekdbThresh2(const double* src, double* dst, int len, double thresh, int relOp);
+VEK_API void vekdbInvThresh1(double* vec, int len, double thresh);
+VEK_API void vekdbInvThresh2(const double* src, double* dst, int len, double thresh);
+VEK_API void vekdbAbs1(double* vec, int len);
+VEK_API void vekdbAbs2(const double* src, double* dst, int len);
+VEK_API void vekdbNormalize(const double* src, double* dst, int n, double offset, double factor);
+
+VEK_API void vekcbAdd1(CplxFloat val, CplxFloat* dst, int n);
+VEK_API void vekcbAdd2(const CplxFloat* src, CplxFloat* dst, int n);
+VEK_API void vekcbAdd3(const CplxFloat* srcA, const CplxFloat* srcB, CplxFloat* dst, int n);
+VEK_API void vekcbSub1(CplxFloat val, CplxFloat* dst, int n);           /* dst - val */
+VEK_API void vekcbSub2(const CplxFloat* src, CplxFloat* dst, int n);    /* dst - src */
+VEK_API void vekcbSub3(const CplxFloat* srcA, const CplxFloat* srcB, CplxFloat* dst, int n);
+VEK_API void vekcbMpy1(CplxFloat val, CplxFloat* dst, int n);
+VEK_API void vekcbMpy2(const CplxFloat* src, CplxFloat* dst, int n);
+VEK_API void vekcbMpy3(const CplxFloat* srcA, const CplxFloat* srcB, CplxFloat* dst, int n);
+VEK_API void vekcbZero(CplxFloat* dst, int n);
+VEK_API void vekcbSet(CplxFloat val, CplxFloat* dst, int n);
+VEK_API void vekcbCopy(const CplxFloat* src, CplxFloat* dst, int n);
+VEK_API void vekcbSqr1(CplxFloat* vec, int len);
+VEK_API void vekcbSqr2(const CplxFloat* src, CplxFloat* dst, int len);
+VEK_API void vekcbSqrt1(CplxFloat* vec, int len);
+VEK_API void vekcbSqrt2(const CplxFloat* src, CplxFloat* dst, int len);
+VEK_API void vekcbThresh1(CplxFloat* vec, int len, float thresh, int relOp);
+VEK_API void vekcbThresh2(const CplxFloat* src, CplxFloat* dst, int len, float thresh, int relOp);
+VEK_API void vekcbInvThresh1(CplxFloat* vec, int len, float thresh);
+VEK_API void vekcbInvThresh2(const CplxFloat* src, CplxFloat* dst, int len, float thresh);
+VEK_API void vekcbNormalize(const CplxFloat* src, CplxFloat* dst, int n, CplxFloat offset,
+                            float factor);
+
+VEK_API void vekzbAdd1(CplxDouble val, CplxDouble* dst, int n);
+VEK_API void vekzbAdd2(const CplxDouble* src, CplxDouble* dst, int n);
+VEK_API void vekzbAdd3(const CplxDouble* srcA, const CplxDouble* srcB, CplxDouble* dst, int n);
+VEK_API void vekzbSub1(CplxDouble val, CplxDouble* dst, int n);           /* dst - val */
+VEK_API void vekzbSub2(const CplxDouble* src, CplxDouble* dst, int n);    /* dst - src */
+VEK_API void vekzbSub3(const CplxDouble* srcA, const CplxDouble* srcB, CplxDouble* dst, int n);
+VEK_API void vekzbMpy1(CplxDouble val, CplxDouble* dst, int n);
+VEK_API void vekzbMpy2(const CplxDouble* src, CplxDouble* dst, int n);
+VEK_API void vekzbMpy3(const CplxDouble* srcA, const CplxDouble* srcB, CplxDouble* dst, int n);
+VEK_API void vekzbZero(CplxDouble* dst, int n);
+VEK_API void vekzbSet(CplxDouble val, CplxDouble* dst, int n);
+VEK_API void vekzbCopy(const CplxDouble* src, CplxDouble* dst, int n);
+VEK_API void vekzbSqr1(CplxDouble* vec, int len);
+VEK_API void vekzbSqr2(const CplxDouble* src, CplxDouble* dst, int len);
+VEK_API void vekzbSqrt1(CplxDouble* vec, int len);
+VEK_API void vekzbSqrt2(const CplxDouble* src, CplxDouble* dst, int len);
+VEK_API void vekzbThresh1(CplxDouble* vec, int len, double thresh, int relOp);
+VEK_API void vekzbThresh2(const CplxDouble* src, CplxDouble* dst, int len, double thresh,
+                          int relOp);
+VEK_API void vekzbInvThresh1(CplxDouble* vec, int len, double thresh);
+VEK_API void vekzbInvThresh2(const CplxDouble* src, CplxDouble* dst, int len, double thresh);
+VEK_API void vekzbNormalize(const CplxDouble* src, CplxDouble* dst, int n, CplxDouble offset,
+                            double factor);
+
+/* Single complex values. Div by 0 + 0i reports and returns 0 + 0i. */
+VEK_API CplxFloat vekcAdd(CplxFloat a, CplxFloat b);
+VEK_API CplxFloat vekcSub(CplxFloat a, CplxFloat b);
+VEK_API CplxFloat vekcMpy(CplxFloat a, CplxFloat b);
+VEK_API CplxFloat vekcDiv(CplxFloat a, CplxFloat b);
+VEK_API CplxFloat vekcConj(CplxFloat a);
+VEK_API CplxFloat vekcSet(float re, float im);
+
+VEK_API CplxDouble vekzAdd(CplxDouble a, CplxDouble b);
+VEK_API CplxDouble vekzSub(CplxDouble a, CplxDouble b);
+VEK_API CplxDouble vekzMpy(CplxDouble a, CplxDouble b);
+VEK_API CplxDouble vekzDiv(CplxDouble a, CplxDouble b);
+VEK_API CplxDouble vekzConj(CplxDouble a);
+VEK_API CplxDouble vekzSet(double re, double im);
+
+
 /* end of Floating-point vector arithmetic (s, d, c, z) */
 
 /* ========================================================================
  * 16-bit vector arithmetic (w, v)
  * ======================================================================== */
+
+/* 16-bit (w: short) and complex 16-bit (v: CplxShort) vectors. The sums,
+ * differences and products are exact in 32 bits and narrowed by scaleMode:
+ *   VEK_NO_SCALE      the low 16 bits;
+ *   VEK_SATURATE      clamped to -32768..32767;
+ *   VEK_AUTO_SCALE    every result shifted right by the smallest factor
+ *                     that makes all of them fit; the factor (0 when
+ *                     nothing overflowed) is written to *scaleFactor;
+ *   VEK_FIXED_SCALE   shifted by *scaleFactor (right for f > 0, left for
+ *                     f < 0; a NULL pointer reads as 0), low 16 bits kept;
+ *   VEK_FIXED_SCALE | VEK_SATURATE   the same, clamped.
+ * Any other mode value (5, 6, 7) takes the VEK_FIXED_SCALE path. Only
+ * VEK_AUTO_SCALE requires scaleFactor. Complex products are
+ * (a.re*b.re - a.im*b.im, a.im*b.re + a.re*b.im), both parts under the same
+ * mode and, in VEK_AUTO_SCALE, one factor. */
+
+VEK_API void vekwbZero(short* dst, int n);
+VEK_API void vekwbSet(short val, short* dst, int n);
+VEK_API void vekwbCopy(const short* src, short* dst, int n);
+VEK_API void vekwbAdd1(short val, short* dst, int n, int scaleMode, int* scaleFactor);
+VEK_API void vekwbAdd2(const short* src, short* dst, int n, int scaleMode, int* scaleFactor);
+VEK_API void vekwbAdd3(const short* srcA, const short* srcB, short* dst, int n, int scaleMode,
+                       int* scaleFactor);
+VEK_API void vekwbSub1(short val, short* dst, int n, int scaleMode, int* scaleFactor);
+VEK_API void vekwbSub2(const short* src, short* dst, int n, int scaleMode, int* scaleFactor);
+VEK_API void vekwbSub3(const short* srcA, const short* srcB, short* dst, int n, int scaleMode,
+                       int* scaleFactor);
+VEK_API void vekwbMpy1(short val, short* dst, int n, int scaleMode, int* scaleFactor);
+VEK_API void vekwbMpy2(const short* src, short* dst, int n, int scaleMode, int* scaleFactor);
+VEK_API void vekwbMpy3(const short* srcA, const short* srcB, short* dst, int n, int scaleMode,
+                       int* scaleFactor);
+
+VEK_API void vekvbZero(CplxShort* dst, int n);
+VEK_API void vekvbSet(CplxShort val, CplxShort* dst, int n);
+VEK_API void vekvbCopy(const CplxShort* src, CplxShort* dst, int n);
+VEK_API void vekvbAdd1(CplxShort val, CplxShort* dst, int n, int scaleMode, int* scaleFactor);
+VEK_API void vekvbAdd2(const CplxShort* src, CplxShort* dst, int n, int scaleMode,
+                       int* scaleFactor);
+VEK_API void vekvbAdd3(const CplxShort* srcA, const CplxShort* srcB, CplxShort* dst, int n,
+                       int scaleMode, int* scaleFactor);
+VEK_API void vekvbSub1(CplxShort val, CplxShort* dst, int n, int scaleMode, int* scaleFactor);
+VEK_API void vekvbSub2(const CplxShort* src, CplxShort* dst, int n, int scaleMode,
+                       int* scaleFactor);
+VEK_API void vekvbSub3(const CplxShort* srcA, const CplxShort* srcB, CplxShort* dst, int n,
+                       int scaleMode, int* scaleFactor);
+VEK_API void vekvbMpy1(CplxShort val, CplxShort* dst, int n, int scaleMode, int* scaleFactor);
+VEK_API void vekvbMpy2(const CplxShort* src, CplxShort* dst, int n, int scaleMode,
+                       int* scaleFactor);
+VEK_API void vekvbMpy3(const CplxShort* srcA, const CplxShort* srcB, CplxShort* dst, int n,
+                       int scaleMode, int* scaleFactor);
+
+/* Conjugates, without scaling; a negated -32768 saturates to 32767.
+ * ConjFlip2: dst[i] = conj(src[n-1-i]), the mirror image of a run of
+ *   spectrum bins (src may be dst).
+ * ConjExtend: a spectrum of n points given by its first half X[0..n/2]
+ *   (n/2 + 1 elements) is completed by X[n-k] = conj(X[k]) for
+ *   1 <= k <= (n-1)/2. vec and dst hold n elements; src holds n/2 + 1. */
+VEK_API void vekvbConj1(CplxShort* vec, int n);
+VEK_API void vekvbConj2(const CplxShort* src, CplxShort* dst, int n);
+VEK_API void vekvbConjFlip2(const CplxShort* src, CplxShort* dst, int n);
+VEK_API void vekvbConjExtend1(CplxShort* vec, int n);
+VEK_API void vekvbConjExtend2(const CplxShort* src, CplxShort* dst, int n);
+
+/* Single CplxShort values; results saturate to -32768..32767. Div truncates
+ * toward zero; division by 0 + 0i reports and returns 0 + 0i. */
+VEK_API CplxShort vekvAdd(CplxShort a, CplxShort b);
+VEK_API CplxShort vekvSub(CplxShort a, CplxShort b);
+VEK_API CplxShort vekvMpy(CplxShort a, CplxShort b);
+VEK_API CplxShort vekvDiv(CplxShort a, CplxShort b);
+VEK_API CplxShort vekvConj(CplxShort a);
+VEK_API CplxShort vekvSet(short re, short im);
+
 
 /* end of 16-bit vector arithmetic (w, v) */
 
@@ -399,6 +604,110 @@ VEK_API void vekvrFftNip(const short* reInSamps, const short* imInSamps,
  * Real FFT and packed spectra
  * ======================================================================== */
 
+/* ------------------------------------------------------------------------
+ * FFT of N = 2^order real values (order 0..31) and its inverse. A real
+ * signal's spectrum X[0..N/2] (X[0] and X[N/2] real) is kept in one of
+ * three layouts:
+ *   CCS     N+2 values: X[0].re, 0, X[1].re, X[1].im, ..., X[N/2].re, 0
+ *   RCPack  N values:   X[0].re, X[1].re, X[1].im, ..., X[N/2-1].im, X[N/2].re
+ *   RCPerm  N values:   X[0].re, X[N/2].re, X[1].re, X[1].im, ..., X[N/2-1].im
+ * flags: VEK_Forw or VEK_Inv (the sign of the exponent; VEK_Inv scales by
+ * 1/N unless VEK_NoScale); VEK_Init builds the tables and returns, VEK_Free
+ * releases them (the data pointers may then be NULL). The l forms take
+ * exactly one layout bit: VEK_OutRCPack or VEK_OutRCPerm (RealFftl),
+ * VEK_InRCPack or VEK_InRCPerm (CcsFftl). Nip forms never write their
+ * input. The 16-bit forms compute in single precision and narrow the
+ * result under scaleMode (modes 0 and 1 round to nearest and saturate).
+ * ------------------------------------------------------------------------ */
+
+/* Real signal to CCS spectrum, in place in N+2 values. */
+VEK_API void veksRealFft(float* samps, int order, int flags);
+VEK_API void vekdRealFft(double* samps, int order, int flags);
+VEK_API void veksRealFftNip(const float* inSamps, float* outSamps, int order, int flags);
+VEK_API void vekdRealFftNip(const double* inSamps, double* outSamps, int order, int flags);
+
+/* CCS spectrum to real signal. */
+VEK_API void veksCcsFft(float* samps, int order, int flags);
+VEK_API void vekdCcsFft(double* samps, int order, int flags);
+VEK_API void veksCcsFftNip(const float* inSamps, float* outSamps, int order, int flags);
+VEK_API void vekdCcsFftNip(const double* inSamps, double* outSamps, int order, int flags);
+
+/* Real signal to RCPack or RCPerm spectrum, in place in N values. */
+VEK_API void veksRealFftl(float* samps, int order, int flags);
+VEK_API void vekdRealFftl(double* samps, int order, int flags);
+VEK_API void veksRealFftlNip(const float* inSamps, float* outSamps, int order, int flags);
+VEK_API void vekdRealFftlNip(const double* inSamps, double* outSamps, int order, int flags);
+
+/* RCPack or RCPerm spectrum to real signal. */
+VEK_API void veksCcsFftl(float* samps, int order, int flags);
+VEK_API void vekdCcsFftl(double* samps, int order, int flags);
+VEK_API void veksCcsFftlNip(const float* inSamps, float* outSamps, int order, int flags);
+VEK_API void vekdCcsFftlNip(const double* inSamps, double* outSamps, int order, int flags);
+
+/* Two signals at once, each as by the one-signal form. */
+VEK_API void veksReal2Fft(float* xSamps, float* ySamps, int order, int flags);
+VEK_API void vekdReal2Fft(double* xSamps, double* ySamps, int order, int flags);
+VEK_API void veksReal2FftNip(const float* xInSamps, float* xOutSamps,
+                             const float* yInSamps, float* yOutSamps, int order,
+                             int flags);
+VEK_API void vekdReal2FftNip(const double* xInSamps, double* xOutSamps,
+                             const double* yInSamps, double* yOutSamps, int order,
+                             int flags);
+VEK_API void veksCcs2Fft(float* xSamps, float* ySamps, int order, int flags);
+VEK_API void vekdCcs2Fft(double* xSamps, double* ySamps, int order, int flags);
+VEK_API void veksCcs2FftNip(const float* xInSamps, float* xOutSamps,
+                            const float* yInSamps, float* yOutSamps, int order,
+                            int flags);
+VEK_API void vekdCcs2FftNip(const double* xInSamps, double* xOutSamps,
+                            const double* yInSamps, double* yOutSamps, int order,
+                            int flags);
+
+/* 16-bit forms: the same transforms and layouts on short data. */
+VEK_API void vekwRealFft(short* samps, int order, int flags, int scaleMode, int* scaleFactor);
+VEK_API void vekwRealFftNip(const short* inSamps, short* outSamps, int order, int flags,
+                            int scaleMode, int* scaleFactor);
+VEK_API void vekwCcsFft(short* samps, int order, int flags, int scaleMode, int* scaleFactor);
+VEK_API void vekwCcsFftNip(const short* inSamps, short* outSamps, int order, int flags,
+                           int scaleMode, int* scaleFactor);
+VEK_API void vekwRealFftl(short* samps, int order, int flags, int scaleMode, int* scaleFactor);
+VEK_API void vekwRealFftlNip(const short* inSamps, short* outSamps, int order, int flags,
+                             int scaleMode, int* scaleFactor);
+VEK_API void vekwCcsFftl(short* samps, int order, int flags, int scaleMode, int* scaleFactor);
+VEK_API void vekwCcsFftlNip(const short* inSamps, short* outSamps, int order, int flags,
+                            int scaleMode, int* scaleFactor);
+/* One scale factor for both signals. */
+VEK_API void vekwReal2Fft(short* xSamps, short* ySamps, int order, int flags, int scaleMode,
+                          int* scaleFactor);
+VEK_API void vekwReal2FftNip(const short* xInSamps, short* xOutSamps, const short* yInSamps,
+                             short* yOutSamps, int order, int flags, int scaleMode,
+                             int* scaleFactor);
+VEK_API void vekwCcs2Fft(short* xSamps, short* ySamps, int order, int flags, int scaleMode,
+                         int* scaleFactor);
+VEK_API void vekwCcs2FftNip(const short* xInSamps, short* xOutSamps, const short* yInSamps,
+                            short* yOutSamps, int order, int flags, int scaleMode,
+                            int* scaleFactor);
+
+/* Products of two spectra of N = 2^order points in a packed layout:
+ * dst = dst * src (2) or dst = srcA * srcB (3). */
+VEK_API void veksMpyRCPack2(const float* src, float* dst, int order);
+VEK_API void vekdMpyRCPack2(const double* src, double* dst, int order);
+VEK_API void veksMpyRCPack3(const float* srcA, const float* srcB, float* dst, int order);
+VEK_API void vekdMpyRCPack3(const double* srcA, const double* srcB, double* dst, int order);
+VEK_API void veksMpyRCPerm2(const float* src, float* dst, int order);
+VEK_API void vekdMpyRCPerm2(const double* src, double* dst, int order);
+VEK_API void veksMpyRCPerm3(const float* srcA, const float* srcB, float* dst, int order);
+VEK_API void vekdMpyRCPerm3(const double* srcA, const double* srcB, double* dst, int order);
+/* 16-bit products: exact products narrowed by the element-wise rules of
+ * scaleMode, VEK_AUTO_SCALE with one factor for the whole spectrum. */
+VEK_API void vekwMpyRCPack2(const short* src, short* dst, int order, int scaleMode,
+                            int* scaleFactor);
+VEK_API void vekwMpyRCPack3(const short* srcA, const short* srcB, short* dst, int order,
+                            int scaleMode, int* scaleFactor);
+VEK_API void vekwMpyRCPerm2(const short* src, short* dst, int order, int scaleMode,
+                            int* scaleFactor);
+VEK_API void vekwMpyRCPerm3(const short* srcA, const short* srcB, short* dst, int order,
+                            int scaleMode, int* scaleFactor);
+
 /* end of Real FFT and packed spectra */
 
 /* ========================================================================
@@ -462,6 +771,16 @@ VEK_API CplxShort vekvbGoertz(GoertzState* stPtr, const CplxShort* inSamps, int 
 /* ========================================================================
  * DCT
  * ======================================================================== */
+
+/* Orthonormal DCT of any length len >= 1: forward (VEK_Forw) type II,
+ * X[k] = c(k) * sum x[n] cos(pi (2n+1) k / 2len) with c(0) = 1/sqrt(len)
+ * and c(k) = sqrt(2/len), inverse (VEK_Inv) type III, so that the inverse
+ * restores the input. Exactly one of the two flags; flags == VEK_Free alone
+ * releases the thread's DCT tables. src may equal dst. */
+VEK_API void veksDct(const float* src, float* dst, int len, int flags);
+VEK_API void vekdDct(const double* src, double* dst, int len, int flags);
+/* 16 bits through float; the results are rounded to nearest and saturated. */
+VEK_API void vekwDct(const short* src, short* dst, int len, int flags);
 
 /* end of DCT */
 

@@ -117,9 +117,12 @@ TEST(StdErrReport, ByteExactTextsInParentMode) {
         {12, "mine", "positive", "app", 1,
          "\nKOR Library Error: Unknown error or status code \n\tin function [app:1]:mine(): "
          "positive\n"},
-        {-4, nullptr, nullptr, nullptr, 0, "\nKOR Library Error: Out of memory \n\tin function:<unknown>\n"},
-        {-5, "f", "c", "m", -7, "\nKOR Library Error: Bad argument \n\tin function [m:-7]:f(): c\n"},
-        {-5, "f", "c", nullptr, 9, "\nKOR Library Error: Bad argument \n\tin function [(null):9]:f(): c\n"},
+        {-4, nullptr, nullptr, nullptr, 0,
+         "\nKOR Library Error: Out of memory \n\tin function:<unknown>\n"},
+        {-5, "f", "c", "m", -7,
+         "\nKOR Library Error: Bad argument \n\tin function [m:-7]:f(): c\n"},
+        {-5, "f", "c", nullptr, 9,
+         "\nKOR Library Error: Bad argument \n\tin function [(null):9]:f(): c\n"},
         {-5, "f", "", nullptr, 0, "\nKOR Library Error: Bad argument \n\tin function:f(): \n"},
     };
     vekSetErrMode(VEK_ErrorModeParent);
@@ -309,7 +312,8 @@ TEST(GuiBoxReport, AsksOnTheTerminalAndActsOnTheAnswer) {
     for (int i = 0; i < 5; ++i) asks += "[OK/Cancel] ";
     EXPECT_EQ(again.screen,
               "\n*** KOR Library Error: Bad argument ***\ncalled from [:0]:\n <unknown>()\n\n"
-              "ErrMode=VEK_ErrorModeParent\n\nContinue?\n" + asks);
+              "ErrMode=VEK_ErrorModeParent\n\nContinue?\n" +
+                  asks);
 }
 
 TEST(GuiBoxReport, TextIsCutTo199Characters) {

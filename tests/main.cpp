@@ -21,15 +21,14 @@ namespace {
 thread_local std::vector<Report> t_reports;
 
 int record(int status, const char* func, const char* context, const char* file, int line) {
-    t_reports.push_back(Report{status, func ? func : "", context ? context : "",
-                               file ? file : "", line, context == nullptr});
+    t_reports.push_back(Report{status, func ? func : "", context ? context : "", file ? file : "",
+                               line, context == nullptr});
     return status;
 }
 
 int unexpected(int status, const char* func, const char* context, const char* file, int line) {
-    ADD_FAILURE() << "unexpected report: status " << status << " in " << (func ? func : "?")
-                  << ": " << (context ? context : "") << " [" << (file ? file : "") << ":"
-                  << line << "]";
+    ADD_FAILURE() << "unexpected report: status " << status << " in " << (func ? func : "?") << ": "
+                  << (context ? context : "") << " [" << (file ? file : "") << ":" << line << "]";
     return status;
 }
 

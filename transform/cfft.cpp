@@ -7,18 +7,6 @@
 
 namespace vek {
 
-bool fft_order_ok(const Site& site, int order) {
-    if (order < 0) {
-        site.bad("order<0");
-        return false;
-    }
-    if (order > 31) {
-        site.bad("order>31");
-        return false;
-    }
-    return true;
-}
-
 bool fft_flags_ok(const Site& site, int flags) {
     const char* bad = nullptr;
     if ((flags & VEK_Forw) && (flags & VEK_Inv))

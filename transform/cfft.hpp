@@ -22,9 +22,6 @@ struct CfftTraits<CplxDouble> {
     static constexpr CplxKind kind = kKindZ;
 };
 
-// "order<0", "order>31".
-bool fft_order_ok(const Site& site, int order);
-
 // The direction and ordering conflicts, in their order.
 bool fft_flags_ok(const Site& site, int flags);
 
@@ -48,5 +45,35 @@ void fft_exec_split(ThreadContext* ctx, const float* reIn, const float* imIn, fl
                     float* imOut, int order, int flags);
 void fft_exec_split(ThreadContext* ctx, const double* reIn, const double* imIn, double* reOut,
                     double* imOut, int order, int flags);
+
+// The export bodies. VEK_Free (the order unchecked), the order, the tables,
+// VEK_Init, the data pointers as (pointer, message) pairs in argument
+// order, the flags, the transform.
+template <class C, class... Pointers>
+void complex_fft(const Site& site, const C* in, C* out, int order, int flags,
+                 Pointers... pointers) {
+    constexpr CplxKind kind = CfftTraits<C>::kind;
+    if (flags & VEK_Free) return fft_free(kind, order);
+    if (!order_ok(site, order)) return;
+    ThreadContext* ctx = fft_tables(site, kind, order, false);
+    if (!ctx) return;
+    if (flags & VEK_Init) return fft_init_orderings(ctx, kind, order, flags);
+    if (!pointers_set(site, pointers...) || !fft_flags_ok(site, flags)) return;
+    fft_exec(ctx, in, out, order, flags);
+}
+
+// The same on separate real and imaginary arrays.
+template <class R, class... Pointers>
+void complex_fft_split(const Site& site, const R* reIn, const R* imIn, R* reOut, R* imOut,
+                       int order, int flags, Pointers... pointers) {
+    constexpr CplxKind kind = sizeof(R) == sizeof(float) ? kKindC : kKindZ;
+    if (flags & VEK_Free) return fft_free(kind, order);
+    if (!order_ok(site, order)) return;
+    ThreadContext* ctx = fft_tables(site, kind, order, true);
+    if (!ctx) return;
+    if (flags & VEK_Init) return fft_init_orderings(ctx, kind, order, flags);
+    if (!pointers_set(site, pointers...) || !fft_flags_ok(site, flags)) return;
+    fft_exec_split(ctx, reIn, imIn, reOut, imOut, order, flags);
+}
 
 }  // namespace vek

@@ -542,4 +542,16 @@ struct RegisterRelease {
 
 }  // namespace
 
+bool order_ok(const Site& site, int order) {
+    if (order < 0) {
+        site.bad("order<0");
+        return false;
+    }
+    if (order > 31) {
+        site.bad("order>31");
+        return false;
+    }
+    return true;
+}
+
 }  // namespace vek

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "frame/context.hpp"
+#include "frame/report.hpp"
 
 namespace vek {
 
@@ -92,5 +93,8 @@ void release_all(ThreadContext* ctx);
 void calc_bitrev(std::int32_t* tbl, int order);
 void calc_fft_twiddles(CplxKind kind, void* tbl, int order);
 void calc_dft_twiddles(CplxKind kind, void* tbl, int length);
+
+// The order check of every order-taking export: "order<0", "order>31".
+bool order_ok(const Site& site, int order);
 
 }  // namespace vek

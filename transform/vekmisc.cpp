@@ -7,21 +7,9 @@ namespace {
 
 using vek::Site;
 
-bool order_ok(const Site& site, int order) {
-    if (order < 0) {
-        site.bad("order<0");
-        return false;
-    }
-    if (order > 31) {
-        site.bad("order>31");
-        return false;
-    }
-    return true;
-}
-
 template <class T>
 void permute1(const Site& site, T* vec, int order) {
-    if (!order_ok(site, order)) return;
+    if (!vek::order_ok(site, order)) return;
     if (!vec) {
         site.bad("vec==0");
         return;
@@ -36,7 +24,7 @@ void permute1(const Site& site, T* vec, int order) {
 
 template <class T>
 void permute2(const Site& site, const T* src, T* dst, int order) {
-    if (!order_ok(site, order)) return;
+    if (!vek::order_ok(site, order)) return;
     if (!src) {
         site.bad("src==0");
         return;
@@ -59,7 +47,7 @@ extern "C" {
 
 VEK_API int vekBitRev(int a, int order) {
     VEK_SITE("vekmisc");
-    if (!order_ok(site, order) || vek::failed()) return 0;
+    if (!vek::order_ok(site, order) || vek::failed()) return 0;
     unsigned r = 0;
     for (int i = 0; i < order; ++i) r = (r << 1) | ((unsigned(a) >> i) & 1u);
     return int(r);
@@ -67,7 +55,7 @@ VEK_API int vekBitRev(int a, int order) {
 
 VEK_API void vekCalcBitRevTbl(int* tbl, int order) {
     VEK_SITE("vekmisc");
-    if (!order_ok(site, order)) return;
+    if (!vek::order_ok(site, order)) return;
     if (!tbl) {
         site.bad("tbl==0");
         return;
@@ -77,7 +65,7 @@ VEK_API void vekCalcBitRevTbl(int* tbl, int order) {
 
 VEK_API int* vekGetBitRevTbl(int order) {
     VEK_SITE("vekmisc");
-    if (!order_ok(site, order) || vek::failed()) return nullptr;
+    if (!vek::order_ok(site, order) || vek::failed()) return nullptr;
     std::int32_t* t = vek::bitrev_table(vek::context(), order);
     if (!t) site.no_memory("NULL Pointer");
     return reinterpret_cast<int*>(t);

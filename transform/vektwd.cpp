@@ -8,20 +8,8 @@ namespace {
 using vek::CplxKind;
 using vek::Site;
 
-bool order_ok(const Site& site, int order) {
-    if (order < 0) {
-        site.bad("order<0");
-        return false;
-    }
-    if (order > 31) {
-        site.bad("order>31");
-        return false;
-    }
-    return true;
-}
-
 void calc_fft(const Site& site, CplxKind kind, void* tbl, int order) {
-    if (!order_ok(site, order)) return;
+    if (!vek::order_ok(site, order)) return;
     if (!tbl) {
         site.bad("tbl==0");
         return;
@@ -30,7 +18,7 @@ void calc_fft(const Site& site, CplxKind kind, void* tbl, int order) {
 }
 
 void* get_fft(const Site& site, CplxKind kind, int order) {
-    if (!order_ok(site, order) || vek::failed()) return nullptr;
+    if (!vek::order_ok(site, order) || vek::failed()) return nullptr;
     void* t = vek::fft_twiddles(vek::context(), kind, order);
     if (!t) site.no_memory("NULL Pointer");
     return t;

@@ -29,7 +29,7 @@ std::int16_t from_real(Real x, bool saturate) {
     // Low 16 bits of the truncated value; values beyond 64 bits keep the
     // limit's low bits.
     constexpr Real kLimit = Real(9.2233720368547758e18);
-    const std::int64_t t = x >= kLimit ? std::numeric_limits<std::int64_t>::max()
+    const std::int64_t t = x >= kLimit    ? std::numeric_limits<std::int64_t>::max()
                            : x <= -kLimit ? std::numeric_limits<std::int64_t>::min()
                                           : static_cast<std::int64_t>(x);
     return wrap16(t);
@@ -65,40 +65,40 @@ void narrow_real(const Real* src, std::int16_t* dst, int n, int scaleMode, int* 
 void narrow_block(const std::int32_t* src, std::int16_t* dst, int n, int scaleMode,
                   int* scaleFactor) {
     switch (path_of(scaleMode)) {
-    case Path::Wrap:
-        for (int i = 0; i < n; ++i) dst[i] = wrap16(src[i]);
-        return;
-    case Path::Saturate:
-        for (int i = 0; i < n; ++i) dst[i] = sat16(src[i]);
-        return;
-    case Path::Fixed: {
-        int f = fixed_factor(scaleFactor);
-        if (f > 31) f = 31;
-        if (f < -15) f = -15;
-        const bool saturate = (scaleMode & VEK_SATURATE) != 0;
-        for (int i = 0; i < n; ++i) {
-            const std::int64_t v = shift_by(src[i], f);
-            dst[i] = saturate ? sat16(v) : wrap16(v);
+        case Path::Wrap:
+            for (int i = 0; i < n; ++i) dst[i] = wrap16(src[i]);
+            return;
+        case Path::Saturate:
+            for (int i = 0; i < n; ++i) dst[i] = sat16(src[i]);
+            return;
+        case Path::Fixed: {
+            int f = fixed_factor(scaleFactor);
+            if (f > 31) f = 31;
+            if (f < -15) f = -15;
+            const bool saturate = (scaleMode & VEK_SATURATE) != 0;
+            for (int i = 0; i < n; ++i) {
+                const std::int64_t v = shift_by(src[i], f);
+                dst[i] = saturate ? sat16(v) : wrap16(v);
+            }
+            return;
         }
-        return;
-    }
-    case Path::Auto: {
-        std::int32_t lo = 0, hi = 0;
-        for (int i = 0; i < n; ++i) {
-            if (src[i] < lo) lo = src[i];
-            if (src[i] > hi) hi = src[i];
+        case Path::Auto: {
+            std::int32_t lo = 0, hi = 0;
+            for (int i = 0; i < n; ++i) {
+                if (src[i] < lo) lo = src[i];
+                if (src[i] > hi) hi = src[i];
+            }
+            int f = 0;
+            if (lo < kShortMin || hi > kShortMax) {
+                const std::int64_t peak = std::max(-std::int64_t(lo), std::int64_t(hi));
+                int log2 = 0;
+                while ((peak >> (log2 + 1)) != 0) ++log2;
+                f = log2 - 14;
+            }
+            for (int i = 0; i < n; ++i) dst[i] = wrap16(src[i] >> f);
+            if (scaleFactor) *scaleFactor = f;
+            return;
         }
-        int f = 0;
-        if (lo < kShortMin || hi > kShortMax) {
-            const std::int64_t peak = std::max(-std::int64_t(lo), std::int64_t(hi));
-            int log2 = 0;
-            while ((peak >> (log2 + 1)) != 0) ++log2;
-            f = log2 - 14;
-        }
-        for (int i = 0; i < n; ++i) dst[i] = wrap16(src[i] >> f);
-        if (scaleFactor) *scaleFactor = f;
-        return;
-    }
     }
 }
 

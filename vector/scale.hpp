@@ -42,12 +42,18 @@ VEK_ELEMENT std::int64_t shift_by(std::int64_t r, int f) {
     return s >= 32 ? 0 : static_cast<std::int64_t>(static_cast<std::uint64_t>(r) << s);
 }
 
+// True when r is a 16-bit value.
+VEK_ELEMENT bool fits16(std::int64_t r) { return r >= kShortMin && r <= kShortMax; }
+
+// Results are taken as 64-bit values: the imaginary part of a complex
+// 16-bit product can reach 2^31.
+
 // Fixed factor without saturation: the low 16 bits of r shifted by f.
-VEK_ELEMENT std::int16_t fixed_wrap(std::int32_t r, int f) { return wrap16(shift_by(r, f)); }
+VEK_ELEMENT std::int16_t fixed_wrap(std::int64_t r, int f) { return wrap16(shift_by(r, f)); }
 
 // Fixed factor with saturation, for sums and differences: a right shift
 // always fits, a left shift saturates against the shifted limits.
-VEK_ELEMENT std::int16_t fixed_sat_left(std::int32_t r, int f) {
+VEK_ELEMENT std::int16_t fixed_sat_left(std::int64_t r, int f) {
     const int s = -f;
     const std::int32_t upper = s >= 16 ? 0 : kShortMax >> s;
     const std::int32_t lower = s >= 16 ? 0 : kShortMin >> s;
@@ -56,7 +62,7 @@ VEK_ELEMENT std::int16_t fixed_sat_left(std::int32_t r, int f) {
     return wrap16(shift_by(r, f));
 }
 
-VEK_ELEMENT std::int16_t fixed_sat_sum(std::int32_t r, int f) {
+VEK_ELEMENT std::int16_t fixed_sat_sum(std::int64_t r, int f) {
     if (f == 0) return sat16(r);
     if (f > 0) return wrap16(shift_by(r, f));
     return fixed_sat_left(r, f);
@@ -65,7 +71,7 @@ VEK_ELEMENT std::int16_t fixed_sat_sum(std::int32_t r, int f) {
 // Fixed factor with saturation, for products: clamped after a right shift.
 VEK_ELEMENT std::int16_t fixed_sat_product(std::int64_t r, int f) {
     if (f >= 0) return sat16(shift_by(r, f));
-    return fixed_sat_left(static_cast<std::int32_t>(r), f);
+    return fixed_sat_left(r, f);
 }
 
 // The factor a fixed path reads: a null pointer reads as 0.

@@ -1,0 +1,3 @@
+// The 16-bit arithmetic kernels built for SSE2.
+#define VEK_ISA sse2
+#include "aritw_kernels.inl"
