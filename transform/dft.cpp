@@ -121,7 +121,9 @@ std::uint64_t conv_length(std::uint64_t n, double* cost) {
 
 // ----------------------------------------------------------------- plans
 
-std::size_t round64(std::uint64_t bytes) { return std::size_t((bytes + 63) & ~std::uint64_t(63)); }
+// Sizes in 64 bits throughout: a plan too large for the address space
+// must fail to allocate, not wrap around.
+std::uint64_t round64(std::uint64_t bytes) { return (bytes + 63) & ~std::uint64_t(63); }
 
 template <class C>
 C root_as(std::uint64_t k, std::uint64_t n) {
@@ -156,8 +158,8 @@ void plan_passes(DftSchedule<C>& s, std::uint64_t n, const int* radix, int count
 template <class C>
 void fill_passes(DftSchedule<C>& s, C* tw, decltype(C::re)* k) {
     using R = decltype(C::re);
-    for (int n = 0; n < s.passes; ++n) {
-        const DftPass& ps = s.pass[n];
+    for (int at = 0; at < s.passes; ++at) {
+        const DftPass& ps = s.pass[at];
         const int r = ps.radix;
         if (ps.m > 1)
             for (int j = 1; j < r; ++j)
@@ -181,9 +183,9 @@ void fill_passes(DftSchedule<C>& s, C* tw, decltype(C::re)* k) {
             for (std::size_t i = 0; i < 2 * h * row; ++i) cm[i] = sm[i] = 0;
             for (std::size_t i = 1; i <= h; ++i)
                 for (std::size_t j = 1; j <= h; ++j) {
-                    const std::size_t t = i * j % std::size_t(r), at = 2 * ((i - 1) * row + j - 1);
-                    cm[at] = cm[at + 1] = k[ps.k + t];
-                    sm[at] = sm[at + 1] = k[ps.k + std::size_t(r) + t];
+                    const std::size_t t = i * j % std::size_t(r), e = 2 * ((i - 1) * row + j - 1);
+                    cm[e] = cm[e + 1] = k[ps.k + t];
+                    sm[e] = sm[e + 1] = k[ps.k + std::size_t(r) + t];
                 }
         }
     }
@@ -191,13 +193,14 @@ void fill_passes(DftSchedule<C>& s, C* tw, decltype(C::re)* k) {
     s.k = k;
 }
 
-// Blocks of one allocation, each 64-byte aligned.
+// Blocks of one allocation (which succeeded, so every block fits in
+// size_t), each 64-byte aligned.
 struct Carve {
     char* at;
     template <class T>
     T* take(std::uint64_t count) {
         T* p = reinterpret_cast<T*>(at);
-        at += round64(count * sizeof(T));
+        at += std::size_t(round64(count * sizeof(T)));
         return p;
     }
 };
@@ -268,7 +271,7 @@ DftPlan<C>* build_plan(int length) {
                                 (chirp ? round64(n * sizeof(C)) + round64(M * sizeof(C)) : 0);
     auto* mem = static_cast<char*>(table_alloc(bytes));
     if (!mem) return nullptr;
-    Carve c{mem + round64(sizeof(DftPlan<C>))};
+    Carve c{mem + std::size_t(round64(sizeof(DftPlan<C>)))};
     C* t = c.take<C>(tw);
     fill_passes(plan.sched, t, c.take<R>(k));
     if (chirp) {

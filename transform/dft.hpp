@@ -12,8 +12,8 @@
 // of M points with the same passes, with the chirp and the spectrum of its
 // conjugate built once per plan.
 //
-// A cost estimate (dft.cpp) chooses between the two; the direct sum is kept
-// as the fallback when a plan or its buffer cannot be had.
+// A cost estimate (dft.cpp) chooses between the two. The direct sum serves
+// the shortest lengths, and any length whose plan or buffer cannot be had.
 #pragma once
 
 #include <cstddef>
@@ -37,7 +37,7 @@ constexpr std::size_t kDftColumnLanes = 4;
 
 // Rows of the generic radix's matrices: half the radix rounded up to a
 // multiple of the widest vector.
-constexpr std::size_t dft_matrix_row(int radix) {
+static constexpr std::size_t dft_matrix_row(int radix) {
     return std::size_t((radix - 1) / 2 + 7) & ~std::size_t(7);
 }
 
