@@ -91,6 +91,8 @@ TEST_F(Dft, MatchesTheLongDoubleDftAtLongerLengths) {
         1331,  // 11^3: the generic radix three times
         1536,  // 2^9 * 3
         488,   // 8 * 61: the largest generic radix
+        286,   // 2 * 11 * 13: the generic radix column by column, twiddled
+        363,   // 3 * 11 * 11
         2 * 67 * 3,
         4099,  // prime: chirp-z
     };
@@ -103,7 +105,15 @@ TEST_F(Dft, MatchesTheLongDoubleDftAtLongerLengths) {
 // Long lengths, checked at a few bins of the long-double sum and by the
 // round trip.
 TEST_F(Dft, LongLengthsAtSampledBinsAndByRoundTrip) {
-    const int lengths[] = {10007, 30030, 59049, 65536, 65537, 3721 * 4};
+    const int lengths[] = {
+        10007,  // prime: chirp-z
+        65537,  // prime: chirp-z over a length that is not a power of two
+        30030,  // 2*3*5*7*11*13: every radix
+        59049,  // 3^10
+        46189,  // 11*13*17*19: generic radices only
+        16168,  // 8*43*47: generic radices over many lanes
+        65536,
+    };
     for (int n : lengths) {
         const std::size_t size = std::size_t(n);
         const auto x = vektest::random_signal(size, unsigned(n));
