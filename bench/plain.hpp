@@ -33,4 +33,9 @@ short dot_short(const short* a, const short* b, int n);  // 32-bit sum, low 16 b
 float max_ext_float(const float* x, int n, int* index);
 float mean_float(const float* x, int n);
 
+// The direct DFT with symmetric pairing, summed in double: work holds n
+// elements, tbl[k] = exp(-2*pi*i*k/n).
+void dft_direct(const CplxFloat* x, CplxFloat* y, CplxFloat* work, const CplxFloat* tbl, int n);
+void dft_direct(const CplxDouble* x, CplxDouble* y, CplxDouble* work, const CplxDouble* tbl, int n);
+
 }  // namespace plain

@@ -18,19 +18,24 @@ enum OrderTable : int {
     kTblRecombZ = 3,  // the same, double
     kTblRevC = 4,     // complex-float passes to and from bit-reversed order
     kTblRevZ = 5,     // the same, double
-    kTblSpareV = 6,   // free for later 16-bit-kind tables
+    kTblDftC = 6,     // DFT plans (DftPlan<CplxFloat>), by position in the
+                      // thread's DFT table list rather than by order
+    kTblDftZ = 7,     // the same, double
+    kTblSpareV = 8,   // free for later 16-bit-kind tables
     kOrderTables = 11
 };
 
 // The kind that owns each row, for the per-kind release.
 constexpr CplxKind kOrderTableKind[kOrderTables] = {kKindC, kKindZ, kKindC, kKindZ, kKindC, kKindZ,
-                                                    kKindV, kKindV, kKindV, kKindV, kKindV};
+                                                    kKindC, kKindZ, kKindV, kKindV, kKindV};
 
 // Scratch slots of ThreadContext::scratch[kind].
 enum ScratchSlot : int {
     kScratchSplit = 0,  // r forms: the interleaved copy of re/im arrays
-    kScratchWork1 = 1,  // 16-bit forms: float copy of the data
-    kScratchWork2 = 2,  // 16-bit r forms: second float array
+    kScratchWork1 = 1,  // 16-bit forms: float copy of the data; c, z: the
+                        // DFT's work copy
+    kScratchWork2 = 2,  // 16-bit r forms: second float array; c, z: the
+                        // DFT's convolution buffer
     kScratchFft = 3     // the FFT's own work area
 };
 

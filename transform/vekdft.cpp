@@ -1,6 +1,4 @@
 // DFT of any length, float, double and 16-bit.
-#include <cstring>
-
 #include "dft.hpp"
 #include "frame/report.hpp"
 #include "tables.hpp"
@@ -20,16 +18,25 @@ void dft(const vek::Site& site, vek::CplxKind kind, const C* src, C* dst, int le
     if (length <= 0) return void(site.bad("length<=0"));
     if (!tbl) return void(site.bad("TwdTbl==0"));
     if (!buff) return void(site.bad("buff==0"));
-    if (flags & VEK_Init) return;
-    if (flags & VEK_Free) return vek::scratch_release(ctx, kind, vek::kScratchWork1);
+    if (flags & VEK_Init) {
+        // The plan and its buffer too, when memory allows (else the
+        // transform sums directly).
+        if (const void* plan = vek::dft_plan(ctx, kind, length))
+            vek::dft_conv_buffer(ctx, kind, plan);
+        return;
+    }
+    if (flags & VEK_Free) {
+        vek::scratch_release(ctx, kind, vek::kScratchWork1);
+        vek::scratch_release(ctx, kind, vek::kScratchWork2);
+        return;
+    }
     if (!src) return void(site.bad("src==0"));
     if (!dst) return void(site.bad("dst==0"));
     const bool inverse = (flags & VEK_Inv) != 0;
     if (inverse == ((flags & VEK_Forw) != 0))
         return void(site.bad("VEK_Forw or VEK_Inv must be as a flag"));
-    std::memcpy(buff, src, std::size_t(length) * sizeof(C));
     const double scale = inverse && !(flags & VEK_NoScale) ? 1.0 / length : 1.0;
-    vek::dft_direct(buff, dst, tbl, length, inverse, scale);
+    vek::dft_exec(ctx, src, dst, buff, tbl, length, inverse, scale);
 }
 
 }  // namespace

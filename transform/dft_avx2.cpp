@@ -1,0 +1,2 @@
+#define VEK_ISA avx2
+#include "dft_kernels.inl"
