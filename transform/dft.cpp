@@ -123,15 +123,6 @@ std::uint64_t conv_length(std::uint64_t n, double* cost) {
 
 // Sizes in 64 bits throughout: a plan too large for the address space
 // must fail to allocate, not wrap around.
-std::uint64_t round64(std::uint64_t bytes) { return (bytes + 63) & ~std::uint64_t(63); }
-
-template <class C>
-C root_as(std::uint64_t k, std::uint64_t n) {
-    long double re, im;
-    unit_root(k, n, &re, &im);
-    using R = decltype(C::re);
-    return C{R(re), R(im)};
-}
 
 // Lays out the passes of n; sets the counts of twiddles and constants.
 template <class C>

@@ -22,15 +22,10 @@ int recomb_row(CplxKind kind) { return kind == kKindC ? kTblRecombC : kTblRecomb
 // complex transform (order-1).
 template <class C>
 void* build_recomb(int order) {
-    using R = decltype(C::re);
     const std::uint64_t n = std::uint64_t(1) << order, count = n / 4 + 1;
     auto* t = static_cast<C*>(table_alloc(count * sizeof(C)));
     if (!t) return nullptr;
-    for (std::uint64_t k = 0; k < count; ++k) {
-        long double re, im;
-        unit_root(k, n, &re, &im);
-        t[k] = C{R(re), R(im)};
-    }
+    for (std::uint64_t k = 0; k < count; ++k) t[k] = root_as<C>(k, n);
     return t;
 }
 

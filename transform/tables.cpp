@@ -218,16 +218,6 @@ void* fft_twiddles(ThreadContext* ctx, CplxKind kind, int order) {
 
 namespace {
 
-template <class C>
-C root_as(std::uint64_t k, std::uint64_t n) {
-    long double re, im;
-    unit_root(k, n, &re, &im);
-    using R = decltype(C::re);
-    return C{R(re), R(im)};
-}
-
-std::size_t round64(std::size_t bytes) { return (bytes + 63) & ~std::size_t(63); }
-
 // The passes for 2^order points; `first` when the points are contiguous
 // (one lane), so that the first pass can run its vector loop over them.
 // Fewest passes: radix 8 wherever the bits allow, at most one radix 4 in
@@ -344,7 +334,7 @@ void fill_passes(const FftSchedule<C>& s, C* tw) {
 
 template <class C>
 FftPlan<C>* build_plan(int order) {
-    const std::size_t head = round64(sizeof(FftPlan<C>));
+    const std::size_t head = std::size_t(round64(sizeof(FftPlan<C>)));
     const std::uint64_t n = std::uint64_t(1) << order;
     FftPlan<C> plan{};
     plan.order = order;
@@ -370,7 +360,7 @@ FftPlan<C>* build_plan(int order) {
     char* at = mem + head;
     auto take = [&at](std::size_t count) {
         C* p = reinterpret_cast<C*>(at);
-        at += round64(count * sizeof(C));
+        at += std::size_t(round64(count * sizeof(C)));
         return p;
     };
     if (direct) {

@@ -52,6 +52,19 @@ void table_free(void* p);
 // exact symmetries (results at multiples of n/8 are exact).
 void unit_root(std::uint64_t k, std::uint64_t n, long double* re, long double* im);
 
+// The same root in the precision of the complex type C.
+template <class C>
+C root_as(std::uint64_t k, std::uint64_t n) {
+    long double re, im;
+    unit_root(k, n, &re, &im);
+    using R = decltype(C::re);
+    return C{R(re), R(im)};
+}
+
+// Bytes rounded up to whole cache lines, for carving one block into
+// tables (64 bits, so that oversized plans fail to allocate, not wrap).
+constexpr std::uint64_t round64(std::uint64_t bytes) { return (bytes + 63) & ~std::uint64_t(63); }
+
 // Cached tables of the calling thread, built on first use. Null (and no
 // report) for an order outside 0..31 or when memory is short.
 std::int32_t* bitrev_table(ThreadContext* ctx, int order);
