@@ -97,10 +97,7 @@ VEK_ELEMENT VI truncated(const VD* x) { return join(trunc_i32(x[0]), trunc_i32(x
 // NaN to 0, then clamped to -32768..32767.
 template <class V>
 VEK_ELEMENT V clamp_short(V x) {
-    const V top = splat<V>(LaneOf<V>(kShortMax)), bottom = splat<V>(LaneOf<V>(kShortMin));
-    x = x == x ? x : V{};
-    x = x > top ? top : x;
-    return x < bottom ? bottom : x;
+    return clamp_or_zero(x, splat<V>(LaneOf<V>(kShortMin)), splat<V>(LaneOf<V>(kShortMax)));
 }
 
 // src * k (kMul) or src narrowed by the rule of real16. k is 2^-f, exact in

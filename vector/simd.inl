@@ -355,6 +355,58 @@ VEK_ELEMENT V add_exact_product(V acc, V a, V b) {
 
 // ----------------------------------------------------------------- conversions
 
+// x clamped to lo..hi, NaN lanes to 0: min and max instructions and one
+// ordered compare, where lane-wise selects would load the compare port.
+template <class V>
+VEK_ELEMENT V clamp_or_zero(V x, V lo, V hi) {
+    constexpr bool kFloat = sizeof(x[0]) == 4;
+#if VEK_SIMD_BYTES == 64
+    if constexpr (sizeof(V) == 64 && kFloat) {
+        const __m512 v = reinterpret_cast<__m512>(x);
+        const __mmask16 ord = _mm512_cmp_ps_mask(v, v, _CMP_ORD_Q);
+        return reinterpret_cast<V>(_mm512_maskz_min_ps(
+            ord, _mm512_max_ps(v, reinterpret_cast<__m512>(lo)), reinterpret_cast<__m512>(hi)));
+    }
+    if constexpr (sizeof(V) == 64 && !kFloat) {
+        const __m512d v = reinterpret_cast<__m512d>(x);
+        const __mmask8 ord = _mm512_cmp_pd_mask(v, v, _CMP_ORD_Q);
+        return reinterpret_cast<V>(_mm512_maskz_min_pd(
+            ord, _mm512_max_pd(v, reinterpret_cast<__m512d>(lo)), reinterpret_cast<__m512d>(hi)));
+    }
+#endif
+#if defined(__AVX__)
+    if constexpr (sizeof(V) == 32 && kFloat) {
+        const __m256 v = reinterpret_cast<__m256>(x);
+        const __m256 c = _mm256_min_ps(_mm256_max_ps(v, reinterpret_cast<__m256>(lo)),
+                                       reinterpret_cast<__m256>(hi));
+        return reinterpret_cast<V>(_mm256_and_ps(c, _mm256_cmp_ps(v, v, _CMP_ORD_Q)));
+    }
+    if constexpr (sizeof(V) == 32 && !kFloat) {
+        const __m256d v = reinterpret_cast<__m256d>(x);
+        const __m256d c = _mm256_min_pd(_mm256_max_pd(v, reinterpret_cast<__m256d>(lo)),
+                                        reinterpret_cast<__m256d>(hi));
+        return reinterpret_cast<V>(_mm256_and_pd(c, _mm256_cmp_pd(v, v, _CMP_ORD_Q)));
+    }
+#endif
+#if defined(__SSE2__)
+    if constexpr (sizeof(V) == 16 && kFloat) {
+        const __m128 v = reinterpret_cast<__m128>(x);
+        const __m128 c =
+            _mm_min_ps(_mm_max_ps(v, reinterpret_cast<__m128>(lo)), reinterpret_cast<__m128>(hi));
+        return reinterpret_cast<V>(_mm_and_ps(c, _mm_cmpord_ps(v, v)));
+    }
+    if constexpr (sizeof(V) == 16 && !kFloat) {
+        const __m128d v = reinterpret_cast<__m128d>(x);
+        const __m128d c =
+            _mm_min_pd(_mm_max_pd(v, reinterpret_cast<__m128d>(lo)), reinterpret_cast<__m128d>(hi));
+        return reinterpret_cast<V>(_mm_and_pd(c, _mm_cmpord_pd(v, v)));
+    }
+#endif
+    x = x == x ? x : V{};
+    x = x > hi ? hi : x;
+    return x < lo ? lo : x;
+}
+
 // Float lanes widened to double lanes, exactly.
 template <int N>
 VEK_ELEMENT Vec<double, N> widen(Vec<float, N> v) {
