@@ -29,6 +29,12 @@ float dot_float(const float* a, const float* b, int n);
 CplxFloat dot_cplx(const CplxFloat* a, const CplxFloat* b, int n);
 short dot_short(const short* a, const short* b, int n);  // 32-bit sum, low 16 bits
 
+// Floats to 16 bits, scaled by 2^-f and truncated toward zero: clamped
+// first when saturating, else wrapped. The auto form takes f from the
+// largest magnitude's exponent (minus 14) and returns it.
+void narrow_fixed(const float* src, short* dst, int n, int f, bool saturate);
+int narrow_auto(const float* src, short* dst, int n);
+
 // Statistics.
 float max_ext_float(const float* x, int n, int* index);
 float mean_float(const float* x, int n);

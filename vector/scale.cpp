@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
+
+#include "vector/narrow.hpp"
 
 namespace vek {
 
@@ -18,76 +19,49 @@ Path path_of(int scaleMode) {
     return (scaleMode & VEK_SATURATE) ? Path::Saturate : Path::Wrap;
 }
 
-template <class Real>
-std::int16_t from_real(Real x, bool saturate) {
-    if (x != x) return 0;
-    if (saturate) {
-        if (x >= Real(kShortMax)) return static_cast<std::int16_t>(kShortMax);
-        if (x <= Real(kShortMin)) return static_cast<std::int16_t>(kShortMin);
-        return static_cast<std::int16_t>(x);
-    }
-    // Low 16 bits of the truncated value; values beyond 64 bits keep the
-    // limit's low bits.
-    constexpr Real kLimit = Real(9.2233720368547758e18);
-    const std::int64_t t = x >= kLimit    ? std::numeric_limits<std::int64_t>::max()
-                           : x <= -kLimit ? std::numeric_limits<std::int64_t>::min()
-                                          : static_cast<std::int64_t>(x);
-    return wrap16(t);
-}
+// Beyond this, 2^-factor is 0 or infinite in double either way.
+constexpr int kFarFactor = 2048;
 
 template <class Real>
-void narrow_real(const Real* src, std::int16_t* dst, int n, int scaleMode, int* scaleFactor) {
-    const Path path = path_of(scaleMode);
-    int f = 0;
-    bool saturate = (scaleMode & VEK_SATURATE) != 0;
-    if (path == Path::Fixed) {
-        f = fixed_factor(scaleFactor);
-    } else if (path == Path::Auto) {
-        double peak = 0;
-        for (int i = 0; i < n; ++i) {
-            const double m = std::fabs(double(src[i]));
-            if (m > peak && m <= std::numeric_limits<double>::max()) peak = m;
+void narrow_real(const Real* src, std::int16_t* dst, int n, int scaleMode, int* scaleFactor,
+                 void (*scale)(const Real*, std::int16_t*, int, int, bool),
+                 double (*peak)(const Real*, int)) {
+    switch (path_of(scaleMode)) {
+        case Path::Wrap:
+            return scale(src, dst, n, 0, false);
+        case Path::Saturate:
+            return scale(src, dst, n, 0, true);
+        case Path::Fixed: {
+            const int f = std::clamp(fixed_factor(scaleFactor), -kFarFactor, kFarFactor);
+            return scale(src, dst, n, f, (scaleMode & VEK_SATURATE) != 0);
         }
-        f = peak > 0 ? std::ilogb(peak) - 14 : 0;
-        saturate = true;  // only infinities can lie beyond the limits
-        if (scaleFactor) *scaleFactor = f;
+        case Path::Auto: {
+            // Saturating: only infinities can lie beyond the limits.
+            const double p = peak(src, n);
+            const int f = p > 0 ? std::ilogb(p) - 14 : 0;
+            if (scaleFactor) *scaleFactor = f;
+            return scale(src, dst, n, f, true);
+        }
     }
-    if (f == 0) {
-        for (int i = 0; i < n; ++i) dst[i] = from_real(double(src[i]), saturate);
-        return;
-    }
-    const double k = std::ldexp(1.0, -f);
-    for (int i = 0; i < n; ++i) dst[i] = from_real(double(src[i]) * k, saturate);
 }
 
 }  // namespace
 
 void narrow_block(const std::int32_t* src, std::int16_t* dst, int n, int scaleMode,
                   int* scaleFactor) {
+    const NarrowOps& ops = narrow_ops();
     switch (path_of(scaleMode)) {
         case Path::Wrap:
-            for (int i = 0; i < n; ++i) dst[i] = wrap16(src[i]);
-            return;
+            return ops.shift(src, dst, n, 0, false);
         case Path::Saturate:
-            for (int i = 0; i < n; ++i) dst[i] = sat16(src[i]);
-            return;
+            return ops.shift(src, dst, n, 0, true);
         case Path::Fixed: {
-            int f = fixed_factor(scaleFactor);
-            if (f > 31) f = 31;
-            if (f < -15) f = -15;
-            const bool saturate = (scaleMode & VEK_SATURATE) != 0;
-            for (int i = 0; i < n; ++i) {
-                const std::int64_t v = shift_by(src[i], f);
-                dst[i] = saturate ? sat16(v) : wrap16(v);
-            }
-            return;
+            const int f = std::clamp(fixed_factor(scaleFactor), -15, 31);
+            return ops.shift(src, dst, n, f, (scaleMode & VEK_SATURATE) != 0);
         }
         case Path::Auto: {
-            std::int32_t lo = 0, hi = 0;
-            for (int i = 0; i < n; ++i) {
-                if (src[i] < lo) lo = src[i];
-                if (src[i] > hi) hi = src[i];
-            }
+            std::int32_t lo, hi;
+            ops.range(src, n, &lo, &hi);
             int f = 0;
             if (lo < kShortMin || hi > kShortMax) {
                 const std::int64_t peak = std::max(-std::int64_t(lo), std::int64_t(hi));
@@ -95,7 +69,7 @@ void narrow_block(const std::int32_t* src, std::int16_t* dst, int n, int scaleMo
                 while ((peak >> (log2 + 1)) != 0) ++log2;
                 f = log2 - 14;
             }
-            for (int i = 0; i < n; ++i) dst[i] = wrap16(src[i] >> f);
+            ops.shift(src, dst, n, f, false);
             if (scaleFactor) *scaleFactor = f;
             return;
         }
@@ -103,11 +77,13 @@ void narrow_block(const std::int32_t* src, std::int16_t* dst, int n, int scaleMo
 }
 
 void narrow_block(const float* src, std::int16_t* dst, int n, int scaleMode, int* scaleFactor) {
-    narrow_real(src, dst, n, scaleMode, scaleFactor);
+    const NarrowOps& ops = narrow_ops();
+    narrow_real(src, dst, n, scaleMode, scaleFactor, ops.scale_s, ops.peak_s);
 }
 
 void narrow_block(const double* src, std::int16_t* dst, int n, int scaleMode, int* scaleFactor) {
-    narrow_real(src, dst, n, scaleMode, scaleFactor);
+    const NarrowOps& ops = narrow_ops();
+    narrow_real(src, dst, n, scaleMode, scaleFactor, ops.scale_d, ops.peak_d);
 }
 
 bool check_scale_args(const Site& site, int scaleMode, const int* scaleFactor) {

@@ -70,6 +70,31 @@ VEK_ELEMENT std::int16_t fixed_sat_product(std::int64_t r, int f) {
     return fixed_sat_left(r, f);
 }
 
+// A block conversion of one 32-bit result: shifted by f, then clamped
+// (saturate) or cut to its low 16 bits.
+VEK_ELEMENT std::int16_t shift16(std::int64_t r, int f, bool saturate) {
+    const std::int64_t v = shift_by(r, f);
+    return saturate ? sat16(v) : wrap16(v);
+}
+
+// A block conversion of one floating-point result, already scaled: NaN
+// becomes 0; saturation clamps to -32768..32767, then truncates toward
+// zero; otherwise the low 16 bits of the truncated value are kept (beyond
+// 64 bits, those of the 64-bit limit).
+VEK_ELEMENT std::int16_t real16(double x, bool saturate) {
+    if (x != x) return 0;
+    if (saturate) {
+        if (x >= double(kShortMax)) return static_cast<std::int16_t>(kShortMax);
+        if (x <= double(kShortMin)) return static_cast<std::int16_t>(kShortMin);
+        return static_cast<std::int16_t>(x);
+    }
+    constexpr double kLimit = 9223372036854775808.0;  // 2^63
+    const std::int64_t t = x >= kLimit    ? INT64_MAX
+                           : x <= -kLimit ? INT64_MIN
+                                          : static_cast<std::int64_t>(x);
+    return wrap16(t);
+}
+
 // The factor a fixed path reads: a null pointer reads as 0.
 VEK_ELEMENT int fixed_factor(const int* scaleFactor) { return scaleFactor ? *scaleFactor : 0; }
 

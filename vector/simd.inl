@@ -355,6 +355,58 @@ VEK_ELEMENT V add_exact_product(V acc, V a, V b) {
 
 // ----------------------------------------------------------------- conversions
 
+// x clamped to lo..hi, NaN lanes to 0: min and max instructions and one
+// ordered compare, where lane-wise selects would load the compare port.
+template <class V>
+VEK_ELEMENT V clamp_or_zero(V x, V lo, V hi) {
+    constexpr bool kFloat = sizeof(x[0]) == 4;
+#if VEK_SIMD_BYTES == 64
+    if constexpr (sizeof(V) == 64 && kFloat) {
+        const __m512 v = reinterpret_cast<__m512>(x);
+        const __mmask16 ord = _mm512_cmp_ps_mask(v, v, _CMP_ORD_Q);
+        return reinterpret_cast<V>(_mm512_maskz_min_ps(
+            ord, _mm512_max_ps(v, reinterpret_cast<__m512>(lo)), reinterpret_cast<__m512>(hi)));
+    }
+    if constexpr (sizeof(V) == 64 && !kFloat) {
+        const __m512d v = reinterpret_cast<__m512d>(x);
+        const __mmask8 ord = _mm512_cmp_pd_mask(v, v, _CMP_ORD_Q);
+        return reinterpret_cast<V>(_mm512_maskz_min_pd(
+            ord, _mm512_max_pd(v, reinterpret_cast<__m512d>(lo)), reinterpret_cast<__m512d>(hi)));
+    }
+#endif
+#if defined(__AVX__)
+    if constexpr (sizeof(V) == 32 && kFloat) {
+        const __m256 v = reinterpret_cast<__m256>(x);
+        const __m256 c = _mm256_min_ps(_mm256_max_ps(v, reinterpret_cast<__m256>(lo)),
+                                       reinterpret_cast<__m256>(hi));
+        return reinterpret_cast<V>(_mm256_and_ps(c, _mm256_cmp_ps(v, v, _CMP_ORD_Q)));
+    }
+    if constexpr (sizeof(V) == 32 && !kFloat) {
+        const __m256d v = reinterpret_cast<__m256d>(x);
+        const __m256d c = _mm256_min_pd(_mm256_max_pd(v, reinterpret_cast<__m256d>(lo)),
+                                        reinterpret_cast<__m256d>(hi));
+        return reinterpret_cast<V>(_mm256_and_pd(c, _mm256_cmp_pd(v, v, _CMP_ORD_Q)));
+    }
+#endif
+#if defined(__SSE2__)
+    if constexpr (sizeof(V) == 16 && kFloat) {
+        const __m128 v = reinterpret_cast<__m128>(x);
+        const __m128 c =
+            _mm_min_ps(_mm_max_ps(v, reinterpret_cast<__m128>(lo)), reinterpret_cast<__m128>(hi));
+        return reinterpret_cast<V>(_mm_and_ps(c, _mm_cmpord_ps(v, v)));
+    }
+    if constexpr (sizeof(V) == 16 && !kFloat) {
+        const __m128d v = reinterpret_cast<__m128d>(x);
+        const __m128d c =
+            _mm_min_pd(_mm_max_pd(v, reinterpret_cast<__m128d>(lo)), reinterpret_cast<__m128d>(hi));
+        return reinterpret_cast<V>(_mm_and_pd(c, _mm_cmpord_pd(v, v)));
+    }
+#endif
+    x = x == x ? x : V{};
+    x = x > hi ? hi : x;
+    return x < lo ? lo : x;
+}
+
 // Float lanes widened to double lanes, exactly.
 template <int N>
 VEK_ELEMENT Vec<double, N> widen(Vec<float, N> v) {
@@ -474,6 +526,88 @@ VEK_ELEMENT Vec<Int, N> narrow_wrap(W w) {
     }
 }
 
+// Float or double lanes truncated toward zero to 32-bit lanes, by x86's
+// rule: NaN and lanes beyond the int32 range give INT32_MIN.
+VEK_ELEMENT VI trunc_i32(VF x) {
+#if VEK_SIMD_BYTES == 64
+    return (VI)_mm512_cvttps_epi32((__m512)x);
+#elif VEK_SIMD_BYTES == 32
+    return (VI)_mm256_cvttps_epi32((__m256)x);
+#elif defined(__SSE2__)
+    return (VI)_mm_cvttps_epi32((__m128)x);
+#else
+    VI r;
+    for (int i = 0; i < lanes<float>(); ++i)
+        r[i] = x[i] >= -2147483648.0f && x[i] < 2147483648.0f ? std::int32_t(x[i]) : INT32_MIN;
+    return r;
+#endif
+}
+
+VEK_ELEMENT Vec<std::int32_t, lanes<double>()> trunc_i32(VD x) {
+    using Out = Vec<std::int32_t, lanes<double>()>;
+#if VEK_SIMD_BYTES == 64
+    return (Out)_mm512_cvttpd_epi32((__m512d)x);
+#elif VEK_SIMD_BYTES == 32
+    return (Out)_mm256_cvttpd_epi32((__m256d)x);
+#elif defined(__SSE2__)
+    const __m128i r = _mm_cvttpd_epi32((__m128d)x);  // two lanes, then zeros
+    Out v;
+    __builtin_memcpy(&v, &r, sizeof v);
+    return v;
+#else
+    Out r;
+    for (int i = 0; i < lanes<double>(); ++i)
+        r[i] = x[i] > -2147483649.0 && x[i] < 2147483648.0 ? std::int32_t(x[i]) : INT32_MIN;
+    return r;
+#endif
+}
+
+// Two registers of 32-bit lanes as one of 16-bit lanes, a's lanes first:
+// clamped to -32768..32767, or keeping the low 16 bits.
+VEK_ELEMENT VS pack_sat16(VI a, VI b) {
+#if VEK_SIMD_BYTES == 64
+    const __m512i p = _mm512_packs_epi32((__m512i)a, (__m512i)b);  // by 128-bit lane
+    return (VS)_mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), p);
+#elif VEK_SIMD_BYTES == 32
+    const __m256i p = _mm256_packs_epi32((__m256i)a, (__m256i)b);
+    return (VS)_mm256_permute4x64_epi64(p, 0xD8);
+#elif defined(__SSE2__)
+    return (VS)_mm_packs_epi32((__m128i)a, (__m128i)b);
+#else
+    VS r;
+    for (int i = 0; i < 2 * lanes<std::int32_t>(); ++i) {
+        const std::int32_t x = i < lanes<std::int32_t>() ? a[i] : b[i - lanes<std::int32_t>()];
+        r[i] = std::int16_t(x > 32767 ? 32767 : x < -32768 ? -32768 : x);
+    }
+    return r;
+#endif
+}
+
+VEK_ELEMENT VS pack_wrap16(VI a, VI b) {
+#if VEK_SIMD_BYTES == 64
+    // The even 16-bit lanes of a, then those of b.
+    const __m512i even = _mm512_setr_epi64(
+        0x0006000400020000, 0x000E000C000A0008, 0x0016001400120010, 0x001E001C001A0018,
+        0x0026002400220020, 0x002E002C002A0028, 0x0036003400320030, 0x003E003C003A0038);
+    return (VS)_mm512_permutex2var_epi16((__m512i)a, even, (__m512i)b);
+#elif VEK_SIMD_BYTES == 32
+    const __m256i low = _mm256_set1_epi32(0xFFFF);  // then the unsigned pack is exact
+    const __m256i p =
+        _mm256_packus_epi32(_mm256_and_si256((__m256i)a, low), _mm256_and_si256((__m256i)b, low));
+    return (VS)_mm256_permute4x64_epi64(p, 0xD8);
+#elif defined(__SSE2__)
+    // Sign-extended low halves, which the signed pack passes unchanged.
+    const __m128i x = _mm_srai_epi32(_mm_slli_epi32((__m128i)a, 16), 16);
+    const __m128i y = _mm_srai_epi32(_mm_slli_epi32((__m128i)b, 16), 16);
+    return (VS)_mm_packs_epi32(x, y);
+#else
+    VS r;
+    for (int i = 0; i < 2 * lanes<std::int32_t>(); ++i)
+        r[i] = std::int16_t(i < lanes<std::int32_t>() ? a[i] : b[i - lanes<std::int32_t>()]);
+    return r;
+#endif
+}
+
 // ----------------------------------------------------------------- shuffles
 
 // Lane i of the result is lane i ^ 1 of v: swaps re and im of complex pairs.
@@ -511,6 +645,16 @@ VEK_ELEMENT VD dup_odd(VD x) {
     for (int i = 0; i < lanes<double>(); i += 2) x[i] = x[i + 1];
     return x;
 #endif
+}
+
+// The lanes of a, then those of b.
+template <class V, std::size_t... I>
+VEK_ELEMENT auto join_(V a, V b, std::index_sequence<I...>) {
+    return __builtin_shufflevector(a, b, I...);
+}
+template <class V>
+VEK_ELEMENT auto join(V a, V b) {
+    return join_(a, b, std::make_index_sequence<2 * lane_count<V>()>());
 }
 
 // Each lane twice: (a, b, ...) -> (a, a, b, b, ...).

@@ -1,0 +1,2 @@
+#define VEK_ISA avx2
+#include "narrow_kernels.inl"

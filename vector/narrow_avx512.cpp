@@ -1,0 +1,2 @@
+#define VEK_ISA avx512
+#include "narrow_kernels.inl"

@@ -1,0 +1,2 @@
+#define VEK_ISA sse2
+#include "narrow_kernels.inl"
