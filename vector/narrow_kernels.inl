@@ -145,11 +145,14 @@ void scale(const Real* src, std::int16_t* dst, int n, int f, bool saturate) {
     if (f == 0) {
         saturate ? scale_lanes<Real, true, false>(src, dst, n, k)
                  : scale_lanes<Real, false, false>(src, dst, n, k);
-    } else if (sizeof(Real) == 8 || (f >= -127 && f <= 126)) {  // k a normal Real
+    } else if (sizeof(Real) == 8 ? (f >= -1022 && f <= 1022) : (f >= -127 && f <= 126)) {
+        // k a normal Real
         saturate ? scale_lanes<Real, true, true>(src, dst, n, k)
                  : scale_lanes<Real, false, true>(src, dst, n, k);
     } else {
-        for (int i = 0; i < n; ++i) dst[i] = real16(double(src[i]) * k, saturate);
+        // 2^-f beyond double: scaled one step at a time, so that the tiny
+        // values of an automatic factor still reach the 16-bit range.
+        for (int i = 0; i < n; ++i) dst[i] = real16(std::ldexp(double(src[i]), -f), saturate);
     }
 }
 

@@ -63,8 +63,7 @@ inline Shorts narrowed(const std::vector<std::int32_t>& v, int mode, int* factor
 }
 
 // Floating-point results: x * 2^-f truncated toward zero, NaN to 0;
-// beyond 2^63 the wrapped value is that of the 64-bit limit. 2^-f is a
-// double: past its range it is 0 or infinite (so 0 * 2^1100 is NaN).
+// beyond 2^63 the wrapped value is that of the 64-bit limit.
 template <class Real>
 Shorts narrowed(const std::vector<Real>& v, int mode, int* factor) {
     int f = 0;
@@ -80,7 +79,7 @@ Shorts narrowed(const std::vector<Real>& v, int mode, int* factor) {
         saturate = true;
         if (factor) *factor = f;
     }
-    const long double k = std::ldexp(1.0, -std::max(-3000, std::min(3000, f)));
+    const long double k = std::ldexp(1.0L, -std::max(-3000, std::min(3000, f)));
     Shorts out;
     for (Real x : v) {
         const long double y = x * k;
