@@ -76,12 +76,13 @@ class Dct : public ::testing::Test {};
 using Types = ::testing::Types<float, double>;
 TYPED_TEST_SUITE(Dct, Types);
 
-// Powers of two (matrix and FFT paths) and other lengths (direct sums),
-// both directions, in place and not.
+// Powers of two (matrix and FFT paths) and other lengths (direct sums up
+// to 32, the DFT above: mixed radix, and Bluestein for 97 and 1009), both
+// directions, in place and not.
 TYPED_TEST(Dct, MatchesTheSum) {
     using R = TypeParam;
-    for (int n : {1,  2,  3,  4,  5,  6,   7,   8,   9,   10,   15,   16,
-                  17, 31, 32, 33, 64, 100, 128, 256, 999, 1000, 1024, 2048}) {
+    for (int n : {1,  2,  3,  4,  5,  6,   7,   8,   9,   10,   15,   16,   17,
+                  31, 32, 33, 64, 97, 100, 128, 256, 999, 1000, 1009, 1024, 2048}) {
         const std::vector<R> x = random_vec<R>(std::size_t(n), unsigned(n));
         const std::vector<long double> xl(x.begin(), x.end());
         for (int dir : {int(VEK_Forw), int(VEK_Inv)}) {
@@ -147,12 +148,13 @@ TYPED_TEST(Dct, Orthonormality) {
     }
 }
 
-// Alternating lengths rebuild the direct path's table, powers of two in
-// between keep theirs, and a release in the middle changes nothing.
+// Alternating lengths rebuild the direct path's table (and the DFT's plan
+// above 32 points), powers of two in between keep theirs, and a release in
+// the middle changes nothing.
 TYPED_TEST(Dct, AlternatingLengthsAndRelease) {
     using R = TypeParam;
     std::vector<std::vector<R>> first;
-    const int lengths[] = {6, 10, 6, 8, 10, 16, 6, 7};
+    const int lengths[] = {6, 10, 6, 8, 10, 16, 6, 7, 60, 97, 60, 100, 7, 97};
     for (int pass = 0; pass < 2; ++pass) {
         for (std::size_t i = 0; i < std::size(lengths); ++i) {
             const int n = lengths[i];

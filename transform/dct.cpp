@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "dft.hpp"
 #include "realfft.hpp"
 #include "tables.hpp"
 
@@ -12,8 +13,15 @@ namespace vek {
 namespace {
 
 // The fast-path tables: one array of pointers, float tables by order, then
-// double tables by order.
-constexpr int kDctSlots = 2 * kOrders;
+// double tables by order, then the DFT plan and the quarter-turn table of
+// the latest other length that takes the DFT.
+constexpr int kPlanSlot = 2 * kOrders;
+constexpr int kTurnSlot = kPlanSlot + 1;
+constexpr int kDctSlots = kTurnSlot + 1;
+
+// Other lengths above this take the N-point DFT; the direct sums serve the
+// shorter ones (and any length whose plan cannot be had).
+constexpr int kDctDirectMax = 32;
 
 // Work arrays up to this size live on the stack: small transforms would
 // otherwise spend more on the allocator than on the arithmetic.
@@ -105,8 +113,7 @@ R* build_fast(int order) {
     return t;
 }
 
-template <class R>
-const R* fast_table(ThreadContext* ctx, int order) {
+void** dct_slots(ThreadContext* ctx) {
     if (!ctx->dctTbls) {
         auto** slots = static_cast<void**>(table_alloc(kDctSlots * sizeof(void*)));
         if (!slots) return nullptr;
@@ -114,6 +121,12 @@ const R* fast_table(ThreadContext* ctx, int order) {
         ctx->dctTbls = slots;
         ctx->dctTblCount = kDctSlots;
     }
+    return ctx->dctTbls;
+}
+
+template <class R>
+const R* fast_table(ThreadContext* ctx, int order) {
+    if (!dct_slots(ctx)) return nullptr;
     void*& slot = ctx->dctTbls[DctType<R>::slot + order];
     if (!slot) slot = build_fast<R>(order);
     return static_cast<const R*>(slot);
@@ -187,6 +200,64 @@ bool fast(ThreadContext* ctx, const R* src, R* dst, int len, bool inverse, R* w)
         rfft_forward(ctx, w, w, order, VEK_Forw, kLayoutPerm);
         T::post(w, dst, n, tc, ts);
     }
+    return true;
+}
+
+// The quarter turns exp(-i pi k / 2N), k < N.
+void* build_turns(int len) {
+    const std::uint64_t n = std::uint64_t(len);
+    auto* w = static_cast<CplxDouble*>(table_alloc(n * sizeof(CplxDouble)));
+    if (!w) return nullptr;
+    for (std::uint64_t k = 0; k < n; ++k) w[k] = root_as<CplxDouble>(k, 4 * n);
+    return w;
+}
+
+// The plan and turns for len, kept for the latest such length.
+bool dft_tables(ThreadContext* ctx, int len) {
+    void** slots = dct_slots(ctx);
+    if (!slots) return false;
+    auto* plan = static_cast<DftPlan<CplxDouble>*>(slots[kPlanSlot]);
+    if (plan && plan->length == len && slots[kTurnSlot]) return true;
+    table_free(slots[kPlanSlot]);
+    table_free(slots[kTurnSlot]);
+    slots[kPlanSlot] = dft_plan_double(len);
+    slots[kTurnSlot] = slots[kPlanSlot] ? build_turns(len) : nullptr;
+    return slots[kTurnSlot] != nullptr;
+}
+
+// Makhoul's arrangement: the DFT V of v[n] = x[2n], v[N-1-n] = x[2n+1]
+// gives X[k] = c(k) Re(exp(-i pi k / 2N) V[k]); the inverse rebuilds V[k]
+// from X[k] and X[N-k] and takes the inverse DFT. All in double; w holds
+// 3N complex values. False (dst unwritten) when Bluestein's buffer cannot
+// be had.
+template <class R>
+bool by_dft(ThreadContext* ctx, const R* src, R* dst, int len, bool inverse, CplxDouble* w) {
+    const std::size_t n = std::size_t(len), half = (n + 1) / 2;
+    const auto* plan = static_cast<const DftPlan<CplxDouble>*>(ctx->dctTbls[kPlanSlot]);
+    const auto* t = static_cast<const CplxDouble*>(ctx->dctTbls[kTurnSlot]);
+    CplxDouble *v = w, *V = w + n, *buff = w + 2 * n;
+    const double norm = double(1.0L / std::sqrt(static_cast<long double>(len)));
+    const double ck = 1.4142135623730951 * norm;
+    if (!inverse) {
+        for (std::size_t i = 0; i < half; ++i) v[i] = {double(src[2 * i]), 0.0};
+        for (std::size_t i = 0; i < n / 2; ++i) v[n - 1 - i] = {double(src[2 * i + 1]), 0.0};
+        if (!dft_plan_run(ctx, plan, v, V, buff, false, 1.0)) return false;
+        dst[0] = R(norm * V[0].re);
+        for (std::size_t k = 1; k < n; ++k)
+            dst[k] = R(ck * (t[k].re * V[k].re - t[k].im * V[k].im));
+        return true;
+    }
+    // X[k] / c(k) / N = X[k] times these, so that the inverse DFT needs no scale.
+    const double a0 = norm, ak = norm * 0.70710678118654752;
+    V[0] = {a0 * double(src[0]), 0.0};
+    for (std::size_t k = 1; k < n; ++k) {
+        const double a = ak * double(src[k]), b = ak * double(src[n - k]);
+        // exp(i pi k / 2N) (a - i b), the turn being conj(t[k]).
+        V[k] = {t[k].re * a - t[k].im * b, -t[k].im * a - t[k].re * b};
+    }
+    if (!dft_plan_run(ctx, plan, V, v, buff, true, 1.0)) return false;
+    for (std::size_t i = 0; i < half; ++i) dst[2 * i] = R(v[i].re);
+    for (std::size_t i = 0; i < n / 2; ++i) dst[2 * i + 1] = R(v[n - 1 - i].re);
     return true;
 }
 
@@ -266,15 +337,24 @@ bool run(const R* src, R* dst, int len, bool inverse) {
     const std::uint32_t u = std::uint32_t(len);
     const bool pow2 = ((u | 0x80000000u) & (u - 1)) == 0;
     if (pow2 && len <= kDctMatrixMax) return small(ctx, src, dst, len, inverse);
-    const std::uint64_t bytes = std::uint64_t(u) * (pow2 ? sizeof(R) : sizeof(double));
+    // Other lengths take the DFT when its tables can be had, else the sums.
+    const bool viaDft = !pow2 && len > kDctDirectMax && dft_tables(ctx, len);
+    const std::uint64_t bytes = std::uint64_t(u) * (pow2     ? sizeof(R)
+                                                    : viaDft ? 3 * sizeof(CplxDouble)
+                                                             : sizeof(double));
     alignas(64) unsigned char stack[kStackBytes];
     void* heap = nullptr;
     if (bytes > sizeof stack &&
         !with_retry(ctx, [&] { return (heap = table_alloc(bytes)) != nullptr; }))
         return false;
     void* work = heap ? heap : stack;
-    const bool ok = pow2 ? fast(ctx, src, dst, len, inverse, static_cast<R*>(work))
-                         : direct(ctx, src, dst, len, inverse, static_cast<double*>(work));
+    bool ok;
+    if (pow2)
+        ok = fast(ctx, src, dst, len, inverse, static_cast<R*>(work));
+    else if (viaDft && by_dft(ctx, src, dst, len, inverse, static_cast<CplxDouble*>(work)))
+        ok = true;
+    else
+        ok = direct(ctx, src, dst, len, inverse, static_cast<double*>(work));
     table_free(heap);
     return ok;
 }

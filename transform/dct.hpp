@@ -4,9 +4,12 @@
 // with the cached N x N cosine matrix, above it the N-point real FFT of the
 // even/odd reordered input (v[n] = x[2n], v[N-1-n] = x[2n+1]) followed by
 // X[k] = c(k) Re(exp(-i pi k / 2N) V[k]), two outputs per spectrum value;
-// the inverse runs the same steps backwards. Other lengths are summed
-// directly from the thread's table of 4N cosines, with x[n] and x[N-1-n]
-// paired so that each output needs half the products.
+// the inverse runs the same steps backwards. Other lengths above
+// kDctDirectMax take the same arrangement through the N-point complex DFT
+// in double (a plan of the DCT's own, for the latest such length); shorter
+// ones, and any whose plan cannot be had, are summed directly from the
+// thread's table of 4N cosines, with x[n] and x[N-1-n] paired so that each
+// output needs half the products.
 #pragma once
 
 #include <cstdint>

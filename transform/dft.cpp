@@ -309,11 +309,9 @@ const DftPlan<C>* plan_of(ThreadContext* ctx, int length) {
 }
 
 template <class C>
-bool fast(ThreadContext* ctx, const C* src, C* dst, C* buff, int length, bool inverse,
-          double scale) {
+bool run_plan(ThreadContext* ctx, const DftPlan<C>* plan, const C* src, C* dst, C* buff,
+              bool inverse, double scale) {
     using R = decltype(C::re);
-    const DftPlan<C>* plan = plan_of<C>(ctx, length);
-    if (!plan) return false;
     C* work = plan->spectrum ? static_cast<C*>(dft_conv_buffer(ctx, KindOf<C>::kind, plan)) : buff;
     if (!work) return false;
     if constexpr (std::is_same<C, CplxFloat>::value)
@@ -323,7 +321,23 @@ bool fast(ThreadContext* ctx, const C* src, C* dst, C* buff, int length, bool in
     return true;
 }
 
+template <class C>
+bool fast(ThreadContext* ctx, const C* src, C* dst, C* buff, int length, bool inverse,
+          double scale) {
+    const DftPlan<C>* plan = plan_of<C>(ctx, length);
+    return plan && run_plan(ctx, plan, src, dst, buff, inverse, scale);
+}
+
 }  // namespace
+
+DftPlan<CplxDouble>* dft_plan_double(int length) {
+    return length > dft_direct_max<CplxDouble>() ? build_plan<CplxDouble>(length) : nullptr;
+}
+
+bool dft_plan_run(ThreadContext* ctx, const DftPlan<CplxDouble>* plan, const CplxDouble* src,
+                  CplxDouble* dst, CplxDouble* buff, bool inverse, double scale) {
+    return run_plan(ctx, plan, src, dst, buff, inverse, scale);
+}
 
 const void* dft_plan(ThreadContext* ctx, CplxKind kind, int length) {
     if (kind == kKindC) return plan_of<CplxFloat>(ctx, length);

@@ -113,6 +113,16 @@ const void* dft_plan(ThreadContext* ctx, CplxKind kind, int length);
 // Null for other plans, or when memory is short.
 void* dft_conv_buffer(ThreadContext* ctx, CplxKind kind, const void* plan);
 
+// A double plan outside the DFT table list, for other transforms built on
+// the DFT; null when the length is short enough to sum directly or memory
+// is short. Released with table_free.
+DftPlan<CplxDouble>* dft_plan_double(int length);
+
+// dst = DFT(src) by such a plan, times scale; buff holds the length. False
+// (nothing written) when Bluestein's buffer cannot be had.
+bool dft_plan_run(ThreadContext* ctx, const DftPlan<CplxDouble>* plan, const CplxDouble* src,
+                  CplxDouble* dst, CplxDouble* buff, bool inverse, double scale);
+
 // The direct sum: x (length n, overwritten with pair sums and differences)
 // into out, twiddles tbl[k] = exp(-2*pi*i*k/n), every output times scale.
 // Accumulates in double.
