@@ -17,7 +17,7 @@
 #include "vek.h"
 
 #ifdef VEK_BENCH_FFTW
-#include <fftw3.h>
+#include "fftw.hpp"
 #endif
 
 namespace {
@@ -33,20 +33,7 @@ struct Side;
 template <>
 struct Side<CplxFloat> {
     static void vek(const CplxFloat* x, CplxFloat* y, int n, int flags) { vekcDft(x, y, n, flags); }
-    static void direct(const CplxFloat* x, CplxFloat* y, CplxFloat* work, const CplxFloat* tbl,
-                       int n) {
-        plain::dft_direct(x, y, work, tbl, n);
-    }
     static const CplxFloat* table(int n) { return vekcGetDftTwdTbl(n); }
-#ifdef VEK_BENCH_FFTW
-    using Plan = fftwf_plan;
-    static Plan plan(int n, CplxFloat* in, CplxFloat* out) {
-        return fftwf_plan_dft_1d(n, reinterpret_cast<fftwf_complex*>(in),
-                                 reinterpret_cast<fftwf_complex*>(out), FFTW_FORWARD, FFTW_MEASURE);
-    }
-    static void exec(Plan p) { fftwf_execute(p); }
-    static void destroy(Plan p) { fftwf_destroy_plan(p); }
-#endif
 };
 
 template <>
@@ -54,20 +41,7 @@ struct Side<CplxDouble> {
     static void vek(const CplxDouble* x, CplxDouble* y, int n, int flags) {
         vekzDft(x, y, n, flags);
     }
-    static void direct(const CplxDouble* x, CplxDouble* y, CplxDouble* work, const CplxDouble* tbl,
-                       int n) {
-        plain::dft_direct(x, y, work, tbl, n);
-    }
     static const CplxDouble* table(int n) { return vekzGetDftTwdTbl(n); }
-#ifdef VEK_BENCH_FFTW
-    using Plan = fftw_plan;
-    static Plan plan(int n, CplxDouble* in, CplxDouble* out) {
-        return fftw_plan_dft_1d(n, reinterpret_cast<fftw_complex*>(in),
-                                reinterpret_cast<fftw_complex*>(out), FFTW_FORWARD, FFTW_MEASURE);
-    }
-    static void exec(Plan p) { fftw_execute(p); }
-    static void destroy(Plan p) { fftw_destroy_plan(p); }
-#endif
 };
 
 template <class C>
@@ -88,8 +62,9 @@ void compare(benchmark::State& state) {
     const C* tbl = S::table(n);
     const bool direct = n <= kDirectMax;
 #ifdef VEK_BENCH_FFTW
+    using F = fftw::Api<decltype(C::re)>;
     C *fin = alloc(), *fout = alloc();
-    auto plan = S::plan(n, fin, fout);
+    auto plan = F::dft(n, fin, fout, FFTW_FORWARD);
     std::memcpy(fin, x, size * sizeof(C));
 #endif
     double tv = 0, tf = 0, td = 0;
@@ -99,11 +74,11 @@ void compare(benchmark::State& state) {
         for (int i = 0; i < batch; ++i) S::vek(x, y, n, VEK_Forw);
         const auto t1 = Clock::now();
 #ifdef VEK_BENCH_FFTW
-        for (int i = 0; i < batch; ++i) S::exec(plan);
+        for (int i = 0; i < batch; ++i) F::exec(plan);
 #endif
         const auto t2 = Clock::now();
         if (direct)
-            for (int i = 0; i < batch; ++i) S::direct(x, y, work, tbl, n);
+            for (int i = 0; i < batch; ++i) plain::dft_direct(x, y, work, tbl, n);
         const auto t3 = Clock::now();
         benchmark::ClobberMemory();
         tv += std::chrono::duration<double>(t1 - t0).count();
@@ -118,7 +93,7 @@ void compare(benchmark::State& state) {
     const double perF = tf / double(count) * 1e6;
     state.counters["fftw_us"] = perF;
     state.counters["ratio"] = perV / perF;
-    S::destroy(plan);
+    F::destroy(plan);
     vekFree(fin);
     vekFree(fout);
 #endif

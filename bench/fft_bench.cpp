@@ -15,7 +15,7 @@
 #include "vek.h"
 
 #ifdef VEK_BENCH_FFTW
-#include <fftw3.h>
+#include "fftw.hpp"
 
 namespace {
 
@@ -26,34 +26,14 @@ struct Side;
 
 template <>
 struct Side<CplxFloat> {
-    using Plan = fftwf_plan;
-    using C = CplxFloat;
-    static C* alloc(int n) { return vekcMalloc(n); }
-    static void* falloc(int n) { return fftwf_malloc(sizeof(fftwf_complex) * std::size_t(n)); }
-    static Plan plan(int n, void* buf, int dir) {
-        return fftwf_plan_dft_1d(n, static_cast<fftwf_complex*>(buf),
-                                 static_cast<fftwf_complex*>(buf), dir, FFTW_MEASURE);
-    }
-    static void exec(Plan p) { fftwf_execute(p); }
-    static void destroy(Plan p) { fftwf_destroy_plan(p); }
-    static void ffree(void* p) { fftwf_free(p); }
-    static void vek(C* x, int order, int flags) { vekcFft(x, order, flags); }
+    using R = float;
+    static void vek(CplxFloat* x, int order, int flags) { vekcFft(x, order, flags); }
 };
 
 template <>
 struct Side<CplxDouble> {
-    using Plan = fftw_plan;
-    using C = CplxDouble;
-    static C* alloc(int n) { return vekzMalloc(n); }
-    static void* falloc(int n) { return fftw_malloc(sizeof(fftw_complex) * std::size_t(n)); }
-    static Plan plan(int n, void* buf, int dir) {
-        return fftw_plan_dft_1d(n, static_cast<fftw_complex*>(buf), static_cast<fftw_complex*>(buf),
-                                dir, FFTW_MEASURE);
-    }
-    static void exec(Plan p) { fftw_execute(p); }
-    static void destroy(Plan p) { fftw_destroy_plan(p); }
-    static void ffree(void* p) { fftw_free(p); }
-    static void vek(C* x, int order, int flags) { vekzFft(x, order, flags); }
+    using R = double;
+    static void vek(CplxDouble* x, int order, int flags) { vekzFft(x, order, flags); }
 };
 
 // pair: vek forward to bit-reversed order then inverse from it, against
@@ -61,6 +41,7 @@ struct Side<CplxDouble> {
 template <class C>
 void compare(benchmark::State& state, bool pair) {
     using S = Side<C>;
+    using F = fftw::Api<typename S::R>;
     const int order = int(state.range(0));
     const int n = 1 << order;
     const int batch = std::max(1, (1 << 17) >> order);
@@ -69,10 +50,10 @@ void compare(benchmark::State& state, bool pair) {
     std::uniform_real_distribution<double> u(-1, 1);
     for (auto& v : src) v = C{decltype(v.re)(u(gen)), decltype(v.re)(u(gen))};
 
-    C* x = S::alloc(n);
-    void* f = S::falloc(n);
-    auto fw = S::plan(n, f, FFTW_FORWARD);
-    auto bw = S::plan(n, f, FFTW_BACKWARD);
+    C* x = static_cast<C*>(vekMalloc(int(sizeof(C)) * n));
+    void* f = F::alloc(sizeof(C) * std::size_t(n));
+    auto fw = F::dft(n, f, f, FFTW_FORWARD);
+    auto bw = F::dft(n, f, f, FFTW_BACKWARD);
     S::vek(nullptr, order, VEK_Init);
     double tv = 0, tf = 0;
     std::size_t count = 0;
@@ -90,8 +71,8 @@ void compare(benchmark::State& state, bool pair) {
         }
         auto t1 = Clock::now();
         for (int i = 0; i < batch; ++i) {
-            S::exec(fw);
-            if (pair) S::exec(bw);
+            F::exec(fw);
+            if (pair) F::exec(bw);
         }
         auto t2 = Clock::now();
         benchmark::ClobberMemory();
@@ -107,9 +88,9 @@ void compare(benchmark::State& state, bool pair) {
     state.counters["vek_mflops"] = flops / perV;
     state.counters["fftw_mflops"] = flops / perF;
     state.counters["ratio"] = perV / perF;
-    S::destroy(fw);
-    S::destroy(bw);
-    S::ffree(f);
+    F::destroy(fw);
+    F::destroy(bw);
+    F::free(f);
     vekFree(x);
 }
 

@@ -18,18 +18,17 @@ void run_block(benchmark::State& state, Init init, Run run) {
 }
 
 void BM_veksbGoertz(benchmark::State& s) {
-    run_block<float>(s, [](double f, GoertzState* st) { veksGoertzInit(float(f), st); },
-                     veksbGoertz);
+    run_block<float>(
+        s, [](double f, GoertzState* st) { veksGoertzInit(float(f), st); }, veksbGoertz);
 }
-void BM_vekzbGoertz(benchmark::State& s) {
-    run_block<CplxDouble>(s, vekzGoertzInit, vekzbGoertz);
-}
+void BM_vekzbGoertz(benchmark::State& s) { run_block<CplxDouble>(s, vekzGoertzInit, vekzbGoertz); }
 void BM_vekwbGoertz(benchmark::State& s) {
     int factor = 0;
-    run_block<short>(s, [](double f, GoertzState* st) { vekwGoertzInit(float(f), st); },
-                     [&](GoertzState* st, const short* x, int n) {
-                         return vekwbGoertz(st, x, n, VEK_AUTO_SCALE, &factor);
-                     });
+    run_block<short>(
+        s, [](double f, GoertzState* st) { vekwGoertzInit(float(f), st); },
+        [&](GoertzState* st, const short* x, int n) {
+            return vekwbGoertz(st, x, n, VEK_AUTO_SCALE, &factor);
+        });
 }
 
 }  // namespace

@@ -15,7 +15,7 @@
 #include "vek.h"
 
 #ifdef VEK_BENCH_FFTW
-#include <fftw3.h>
+#include "fftw.hpp"
 
 namespace {
 
@@ -26,35 +26,18 @@ struct Side;
 
 template <>
 struct Side<float> {
-    using Plan = fftwf_plan;
-    static void* falloc(int n) { return fftwf_malloc(sizeof(float) * std::size_t(n)); }
-    static Plan plan(int n, void* buf) {
-        return fftwf_plan_dft_r2c_1d(n, static_cast<float*>(buf), static_cast<fftwf_complex*>(buf),
-                                     FFTW_MEASURE);
-    }
-    static void exec(Plan p) { fftwf_execute(p); }
-    static void destroy(Plan p) { fftwf_destroy_plan(p); }
-    static void ffree(void* p) { fftwf_free(p); }
     static void vek(float* x, int order, int flags) { veksRealFftl(x, order, flags); }
 };
 
 template <>
 struct Side<double> {
-    using Plan = fftw_plan;
-    static void* falloc(int n) { return fftw_malloc(sizeof(double) * std::size_t(n)); }
-    static Plan plan(int n, void* buf) {
-        return fftw_plan_dft_r2c_1d(n, static_cast<double*>(buf), static_cast<fftw_complex*>(buf),
-                                    FFTW_MEASURE);
-    }
-    static void exec(Plan p) { fftw_execute(p); }
-    static void destroy(Plan p) { fftw_destroy_plan(p); }
-    static void ffree(void* p) { fftw_free(p); }
     static void vek(double* x, int order, int flags) { vekdRealFftl(x, order, flags); }
 };
 
 template <class R>
 void compare(benchmark::State& state) {
     using S = Side<R>;
+    using F = fftw::Api<R>;
     const int order = int(state.range(0));
     const int n = 1 << order;
     const int batch = std::max(1, (1 << 18) >> order);
@@ -64,8 +47,8 @@ void compare(benchmark::State& state) {
     for (auto& v : src) v = R(u(gen));
 
     R* x = static_cast<R*>(vekMalloc(int(sizeof(R)) * n));
-    void* f = S::falloc(n + 2);
-    auto plan = S::plan(n, f);
+    void* f = F::alloc(sizeof(R) * std::size_t(n + 2));
+    auto plan = F::r2c(n, f);
     const int flags = VEK_Forw | VEK_OutRCPack;
     S::vek(nullptr, order, VEK_Init);
     double tv = 0, tf = 0;
@@ -76,7 +59,7 @@ void compare(benchmark::State& state) {
         auto t0 = Clock::now();
         for (int i = 0; i < batch; ++i) S::vek(x, order, flags);
         auto t1 = Clock::now();
-        for (int i = 0; i < batch; ++i) S::exec(plan);
+        for (int i = 0; i < batch; ++i) F::exec(plan);
         auto t2 = Clock::now();
         benchmark::ClobberMemory();
         tv += std::chrono::duration<double>(t1 - t0).count();
@@ -90,8 +73,8 @@ void compare(benchmark::State& state) {
     state.counters["fftw_us"] = perF;
     state.counters["vek_mflops"] = flops / perV;
     state.counters["ratio"] = perV / perF;
-    S::destroy(plan);
-    S::ffree(f);
+    F::destroy(plan);
+    F::free(f);
     vekFree(x);
 }
 
