@@ -43,6 +43,17 @@ void BM_vekcbMpy3(benchmark::State& state) {
 }
 TWIN_BENCHMARK(BM_vekcbMpy3, {1000, 64000, 4000000});
 
+// dst *= val with |val| = 1, so that repeated calls keep the magnitudes.
+void BM_vekcbMpy1(benchmark::State& state) {
+    const int n = int(state.range(0));
+    const auto d = twin::uniform<CplxFloat>(n, -1, 1, 14);
+    const CplxFloat v{0.6f, 0.8f};
+    twin::run(
+        state, n, [&] { vekcbMpy1(v, d.data(), n); }, [&] { plain::c_mpy1(v, d.data(), n); },
+        bytes<CplxFloat>(n));
+}
+TWIN_BENCHMARK(BM_vekcbMpy1, {1000, 64000, 4000000});
+
 void BM_vekzbMpy3(benchmark::State& state) {
     const int n = int(state.range(0));
     const auto a = twin::uniform<CplxDouble>(n, -1, 1, 7);

@@ -7,10 +7,11 @@
 
 namespace plain {
 
-// Element-wise arithmetic (complex float products in double, rounded once).
+// Element-wise arithmetic (complex float products in float).
 void s_add3(const float* a, const float* b, float* d, int n);
 void s_mpy2(const float* s, float* d, int n);
 void c_mpy3(const CplxFloat* a, const CplxFloat* b, CplxFloat* d, int n);
+void c_mpy1(CplxFloat v, CplxFloat* d, int n);  // d[i] *= v
 void z_mpy3(const CplxDouble* a, const CplxDouble* b, CplxDouble* d, int n);
 bool d_sqrt2(const double* s, double* d, int n);
 void w_add3_wrap(const short* a, const short* b, short* d, int n);

@@ -7,6 +7,7 @@
 // data that need more than one operation per result go through double
 // vectors and are rounded once, which is what makes every ISA agree.
 #include <cstddef>
+#include <type_traits>
 
 #include "vector/arith.hpp"
 #include "vector/simd.inl"
@@ -78,18 +79,16 @@ VEK_ELEMENT V element_vec(CplxDouble v) {
 
 // The last partial vector at p (r elements), padded with repeats of its
 // first element.
-template <int kPair, class S>
-VEK_ELEMENT Vec<S> load_tail(const S* p, int r) {
-    using V = Vec<S>;
+template <int kPair, class V, class S>
+VEK_ELEMENT V load_tail(const S* p, int r) {
     return load_first(p, r, kPair == 1 ? splat<V>(p[0]) : pairs<V>(p[0], p[1]));
 }
 
-template <int kPair, class S, class F>
-VEK_ELEMENT void map1(const S* a, S* d, std::ptrdiff_t n, F f) {
-    using V = Vec<S>;
-    constexpr int L = lanes<S>();
-    std::ptrdiff_t i = head_count<kPair>(d, n);
-    if (i) store_first(d, f(load_tail<kPair>(a, int(i))), int(i));
+template <int kPair, class V, class S, class F>
+VEK_ELEMENT void map1_in(const S* a, S* d, std::ptrdiff_t n, F f) {
+    constexpr int L = lane_count<V>();
+    std::ptrdiff_t i = head_count<kPair>(d, n) % L;  // V may be narrower than a register
+    if (i) store_first(d, f(load_tail<kPair, V>(a, int(i))), int(i));
     for (; i + 2 * L <= n; i += 2 * L) {
         const V x0 = load<V>(a + i), x1 = load<V>(a + i + L);
         store(d + i, f(x0));
@@ -99,15 +98,15 @@ VEK_ELEMENT void map1(const S* a, S* d, std::ptrdiff_t n, F f) {
         store(d + i, f(load<V>(a + i)));
         i += L;
     }
-    if (i < n) store_first(d + i, f(load_tail<kPair>(a + i, int(n - i))), int(n - i));
+    if (i < n) store_first(d + i, f(load_tail<kPair, V>(a + i, int(n - i))), int(n - i));
 }
 
-template <int kPair, class S, class F>
-VEK_ELEMENT void map2(const S* a, const S* b, S* d, std::ptrdiff_t n, F f) {
-    using V = Vec<S>;
-    constexpr int L = lanes<S>();
-    std::ptrdiff_t i = head_count<kPair>(d, n);
-    if (i) store_first(d, f(load_tail<kPair>(a, int(i)), load_tail<kPair>(b, int(i))), int(i));
+template <int kPair, class V, class S, class F>
+VEK_ELEMENT void map2_in(const S* a, const S* b, S* d, std::ptrdiff_t n, F f) {
+    constexpr int L = lane_count<V>();
+    std::ptrdiff_t i = head_count<kPair>(d, n) % L;
+    if (i)
+        store_first(d, f(load_tail<kPair, V>(a, int(i)), load_tail<kPair, V>(b, int(i))), int(i));
     for (; i + 2 * L <= n; i += 2 * L) {
         const V x0 = load<V>(a + i), x1 = load<V>(a + i + L);
         const V y0 = load<V>(b + i), y1 = load<V>(b + i + L);
@@ -120,8 +119,17 @@ VEK_ELEMENT void map2(const S* a, const S* b, S* d, std::ptrdiff_t n, F f) {
     }
     if (i < n) {
         const int r = int(n - i);
-        store_first(d + i, f(load_tail<kPair>(a + i, r), load_tail<kPair>(b + i, r)), r);
+        store_first(d + i, f(load_tail<kPair, V>(a + i, r), load_tail<kPair, V>(b + i, r)), r);
     }
+}
+
+template <int kPair, class S, class F>
+VEK_ELEMENT void map1(const S* a, S* d, std::ptrdiff_t n, F f) {
+    map1_in<kPair, Vec<S>>(a, d, n, f);
+}
+template <int kPair, class S, class F>
+VEK_ELEMENT void map2(const S* a, const S* b, S* d, std::ptrdiff_t n, F f) {
+    map2_in<kPair, Vec<S>>(a, b, d, n, f);
 }
 
 // g on double vectors, applied to a vector of S (float: both halves widened,
@@ -133,14 +141,6 @@ VEK_ELEMENT VD in_double(VD x, G g) {
 template <class G>
 VEK_ELEMENT VF in_double(VF x, G g) {
     return to_floats(g(widen_lo(x)), g(widen_hi(x)));
-}
-template <class G>
-VEK_ELEMENT VD in_double(VD x, VD y, G g) {
-    return g(x, y);
-}
-template <class G>
-VEK_ELEMENT VF in_double(VF x, VF y, G g) {
-    return to_floats(g(widen_lo(x), widen_lo(y)), g(widen_hi(x), widen_hi(y)));
 }
 
 // ------------------------------------------------------------ complex pairs
@@ -158,6 +158,24 @@ VEK_ELEMENT VD cmul(VD x, VD y) {
 
 // x times the constant (yr, yi), given as broadcasts.
 VEK_ELEMENT VD cmul_by(VD x, VD yr, VD yi) { return x * yr + negate_even(swap_pairs(x) * yi); }
+
+// The same for float data in double: every product is exact, so a multiply
+// and a fused multiply-add-subtract round as the separate operations do.
+// Half a register of floats widens to one register of doubles, converted
+// as it is loaded; the result is rounded to float once.
+using HalfF = Vec<float, lanes<double>()>;
+
+VEK_ELEMENT HalfF cmul_floats(HalfF x, HalfF y) {
+    constexpr int N = lanes<double>();
+    const VD u = widen<N>(x), v = widen<N>(y);
+    const VD r = addsub_exact_product(u, dup_even(v), swap_pairs(u) * dup_odd(v));
+    return __builtin_convertvector(r, HalfF);
+}
+
+VEK_ELEMENT HalfF cmul_floats_by(HalfF x, VD yr, VD yi) {
+    const VD u = widen<lanes<double>()>(x);
+    return __builtin_convertvector(addsub_exact_product(u, yr, swap_pairs(u) * yi), HalfF);
+}
 
 // re^2 + im^2 in both lanes of each pair.
 VEK_ELEMENT VD norm_pairs(VD x) {
@@ -212,9 +230,10 @@ void k_mpy(const T* a, const T* b, T* d, int n) {
     constexpr int P = Elem<T>::kPair;
     if constexpr (P == 1) {
         map2<P>(scalars(a), scalars(b), scalars(d), n, [](auto x, auto y) { return x * y; });
+    } else if constexpr (std::is_same_v<T, CplxFloat>) {
+        map2_in<P, HalfF>(scalars(a), scalars(b), scalars(d), std::ptrdiff_t(n) * P, cmul_floats);
     } else {
-        map2<P>(scalars(a), scalars(b), scalars(d), std::ptrdiff_t(n) * P,
-                [](auto x, auto y) { return in_double(x, y, cmul); });
+        map2<P>(scalars(a), scalars(b), scalars(d), std::ptrdiff_t(n) * P, cmul);
     }
 }
 
@@ -243,9 +262,12 @@ void k_mpy_val(const T* a, T val, T* d, int n) {
         map1<P>(scalars(a), scalars(d), n, [v](V x) { return x * v; });
     } else {
         const VD yr = splat<VD>(double(val.re)), yi = splat<VD>(double(val.im));
-        map1<P>(scalars(a), scalars(d), std::ptrdiff_t(n) * P, [yr, yi](V x) {
-            return in_double(x, [yr, yi](VD u) { return cmul_by(u, yr, yi); });
-        });
+        if constexpr (std::is_same_v<T, CplxFloat>)
+            map1_in<P, HalfF>(scalars(a), scalars(d), std::ptrdiff_t(n) * P,
+                              [yr, yi](HalfF x) { return cmul_floats_by(x, yr, yi); });
+        else
+            map1<P>(scalars(a), scalars(d), std::ptrdiff_t(n) * P,
+                    [yr, yi](VD x) { return cmul_by(x, yr, yi); });
     }
 }
 

@@ -353,6 +353,31 @@ VEK_ELEMENT V add_exact_product(V acc, V a, V b) {
     return acc + a * b;
 }
 
+// a * b - c in even lanes and a * b + c in odd lanes of double vectors, where
+// a * b is known to be exact: fused, it rounds as the separate operations do.
+template <class V>
+VEK_ELEMENT V addsub_exact_product(V a, V b, V c) {
+    static_assert(sizeof(a[0]) == 8, "double lanes only");
+#if defined(__AVX512F__)
+    if constexpr (sizeof(V) == 64)
+        return reinterpret_cast<V>(_mm512_fmaddsub_pd(reinterpret_cast<__m512d>(a),
+                                                      reinterpret_cast<__m512d>(b),
+                                                      reinterpret_cast<__m512d>(c)));
+#endif
+#if defined(__FMA__)
+    if constexpr (sizeof(V) == 32)
+        return reinterpret_cast<V>(_mm256_fmaddsub_pd(reinterpret_cast<__m256d>(a),
+                                                      reinterpret_cast<__m256d>(b),
+                                                      reinterpret_cast<__m256d>(c)));
+    if constexpr (sizeof(V) == 16)
+        return reinterpret_cast<V>(_mm_fmaddsub_pd(reinterpret_cast<__m128d>(a),
+                                                   reinterpret_cast<__m128d>(b),
+                                                   reinterpret_cast<__m128d>(c)));
+#endif
+    using M = Vec<std::int64_t, lane_count<V>()>;
+    return a * b + reinterpret_cast<V>(reinterpret_cast<M>(c) ^ pairs<M>(INT64_MIN, 0));
+}
+
 // ----------------------------------------------------------------- conversions
 
 // x clamped to lo..hi, NaN lanes to 0: min and max instructions and one
