@@ -1,66 +1,37 @@
 // Forward DCT beside FFTW's REDFT10 (FFTW_MEASURE), single precision, one
-// thread, not in place. FFTW's output is unnormalised (2 sum x cos); the
-// scaling to the orthonormal transform is applied once after the timing,
-// to check that both agree. Counters per transform: us, ratio = vek / FFTW,
-// maxdiff = largest difference of the scaled outputs.
-#include <benchmark/benchmark.h>
-
-#include <algorithm>
-#include <chrono>
-#include <cmath>
-#include <random>
-#include <vector>
-
-#include "vek.h"
+// thread, not in place, vek and FFTW taking turns (twin.hpp). FFTW's
+// output is unnormalised (2 sum x cos); the scaling to the orthonormal
+// transform is applied once after the timing, to check that both agree.
+// Counters per transform: vek_us, fftw_us, ratio = vek / FFTW, maxdiff =
+// largest difference of the scaled outputs.
+#include "twin.hpp"
 
 #ifdef VEK_BENCH_FFTW
-#include <fftw3.h>
+#include "fftw.hpp"
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 void BM_sDct_vs_fftwf_redft10(benchmark::State& state) {
     const int n = int(state.range(0));
-    const int batch = std::max(1, (1 << 17) / n);
-    float* x = veksMalloc(n);
-    float* y = veksMalloc(n);
-    float* fin = fftwf_alloc_real(std::size_t(n));
-    float* fout = fftwf_alloc_real(std::size_t(n));
-    fftwf_plan plan = fftwf_plan_r2r_1d(n, fin, fout, FFTW_REDFT10, FFTW_MEASURE);
-    std::mt19937 gen(1);
-    std::uniform_real_distribution<float> u(-1, 1);
-    for (int i = 0; i < n; ++i) x[i] = fin[i] = u(gen);
-    veksDct(x, y, n, VEK_Forw);  // tables built ahead
-    double tv = 0, tf = 0;
-    std::size_t count = 0;
-    for (auto _ : state) {
-        auto t0 = Clock::now();
-        for (int i = 0; i < batch; ++i) veksDct(x, y, n, VEK_Forw);
-        auto t1 = Clock::now();
-        for (int i = 0; i < batch; ++i) fftwf_execute(plan);
-        auto t2 = Clock::now();
-        benchmark::ClobberMemory();
-        tv += std::chrono::duration<double>(t1 - t0).count();
-        tf += std::chrono::duration<double>(t2 - t1).count();
-        count += std::size_t(batch);
-        state.SetIterationTime(std::chrono::duration<double>(t2 - t0).count());
-    }
+    const auto x = twin::uniform<float>(n, -1, 1);
+    twin::Buf<float> y(n);
+    fftw::Buf<float> fin(n), fout(n);
+    fftwf_plan plan = fftwf_plan_r2r_1d(n, fin.data(), fout.data(), FFTW_REDFT10, FFTW_MEASURE);
+    std::memcpy(fin.data(), x.data(), sizeof(float) * std::size_t(n));
+    veksDct(x.data(), y.data(), n, VEK_Forw);  // tables built ahead
+    const auto t = twin::race(
+        state, twin::Batch{std::max(1, (1 << 17) / n)},
+        [&] { veksDct(x.data(), y.data(), n, VEK_Forw); }, [&] { fftwf_execute(plan); });
     double maxdiff = 0;
     for (int i = 0; i < n; ++i) {
         const double s = std::sqrt((i ? 0.5 : 0.25) / n);
         maxdiff = std::max(maxdiff, std::fabs(fout[i] * s - y[i]));
     }
-    const double perV = tv / double(count) * 1e6, perF = tf / double(count) * 1e6;
-    state.counters["vek_us"] = perV;
-    state.counters["fftw_us"] = perF;
-    state.counters["ratio"] = perV / perF;
+    state.counters["vek_us"] = 1e6 * t[0];
+    state.counters["fftw_us"] = 1e6 * t[1];
+    state.counters["ratio"] = t[0] / t[1];
     state.counters["maxdiff"] = maxdiff;
     fftwf_destroy_plan(plan);
-    fftwf_free(fin);
-    fftwf_free(fout);
-    vekFree(x);
-    vekFree(y);
 }
 
 }  // namespace

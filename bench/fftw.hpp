@@ -1,8 +1,11 @@
 // FFTW's float and double interfaces under one name, for the benchmarks
 // that time vek beside it (FFTW_MEASURE plans; never linked into the
-// library).
+// library). Which FFTW is linked (Debian's, or one built for the whole
+// instruction set: bench/CMakeLists.txt) shows in the benchmark's context
+// line "fftw", with the codelet sets it was built with.
 #pragma once
 
+#include <benchmark/benchmark.h>
 #include <fftw3.h>
 
 #include <cstddef>
@@ -24,9 +27,11 @@ struct Api<float> {
         return fftwf_plan_dft_1d(n, static_cast<fftwf_complex*>(in),
                                  static_cast<fftwf_complex*>(out), dir, FFTW_MEASURE);
     }
-    // Real to complex, in place (buf holds n + 2 values).
-    static Plan r2c(int n, void* buf) {
-        return fftwf_plan_dft_r2c_1d(n, static_cast<float*>(buf), static_cast<fftwf_complex*>(buf),
+    // Real to complex, in place (buf holds n + 2 values), or from in (n
+    // values, kept) to out (n / 2 + 1 complex values).
+    static Plan r2c(int n, void* buf) { return r2c(n, buf, buf); }
+    static Plan r2c(int n, void* in, void* out) {
+        return fftwf_plan_dft_r2c_1d(n, static_cast<float*>(in), static_cast<fftwf_complex*>(out),
                                      FFTW_MEASURE);
     }
 };
@@ -42,10 +47,32 @@ struct Api<double> {
         return fftw_plan_dft_1d(n, static_cast<fftw_complex*>(in), static_cast<fftw_complex*>(out),
                                 dir, FFTW_MEASURE);
     }
-    static Plan r2c(int n, void* buf) {
-        return fftw_plan_dft_r2c_1d(n, static_cast<double*>(buf), static_cast<fftw_complex*>(buf),
+    static Plan r2c(int n, void* buf) { return r2c(n, buf, buf); }
+    static Plan r2c(int n, void* in, void* out) {
+        return fftw_plan_dft_r2c_1d(n, static_cast<double*>(in), static_cast<fftw_complex*>(out),
                                     FFTW_MEASURE);
     }
+};
+
+// FFTW's version and codelet sets in the context lines of the output.
+inline const bool kVersionNoted = [] {
+    benchmark::AddCustomContext("fftw", fftwf_version);
+    return true;
+}();
+
+// A buffer from fftw_malloc, as FFTW's users allocate them.
+template <class T>
+class Buf {
+public:
+    explicit Buf(int n) : p_(static_cast<T*>(fftw_malloc(sizeof(T) * std::size_t(n)))) {}
+    ~Buf() { fftw_free(p_); }
+    Buf(const Buf&) = delete;
+    Buf& operator=(const Buf&) = delete;
+    T* data() const { return p_; }
+    T& operator[](int i) const { return p_[i]; }
+
+private:
+    T* p_;
 };
 
 }  // namespace fftw

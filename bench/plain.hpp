@@ -45,4 +45,10 @@ float mean_float(const float* x, int n);
 void dft_direct(const CplxFloat* x, CplxFloat* y, CplxFloat* work, const CplxFloat* tbl, int n);
 void dft_direct(const CplxDouble* x, CplxDouble* y, CplxDouble* work, const CplxDouble* tbl, int n);
 
+// The Goertzel recurrence over a block from zero states, in the data's
+// precision (16-bit data in float); cosw and sinw of 2 pi rfreq.
+CplxFloat goertzel(const float* x, int n, float cosw, float sinw);
+CplxFloat goertzel(const short* x, int n, float cosw, float sinw);
+CplxDouble goertzel(const CplxDouble* x, int n, double cosw, double sinw);
+
 }  // namespace plain

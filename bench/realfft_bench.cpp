@@ -1,25 +1,16 @@
 // Real FFT beside FFTW's r2c (FFTW_MEASURE plans), in place, forward, one
-// thread: veksRealFftl / vekdRealFftl with VEK_Forw | VEK_OutRCPack against
-// fftwf_plan_dft_r2c_1d / fftw_plan_dft_r2c_1d. Each iteration times a batch
-// of vek transforms and a batch of FFTW transforms on the same data, so both
-// see the same machine state. Counters per transform: us, mflops =
-// 2.5 N log2 N / us, ratio = vek / FFTW.
-#include <benchmark/benchmark.h>
-
-#include <algorithm>
-#include <chrono>
-#include <cstring>
-#include <random>
-#include <vector>
-
-#include "vek.h"
+// thread, vek and FFTW taking turns (twin.hpp): veksRealFftl /
+// vekdRealFftl with VEK_Forw | VEK_OutRCPack against fftwf_plan_dft_r2c_1d
+// / fftw_plan_dft_r2c_1d. The input is restored before every batch, and a
+// batch stays short enough that no value comes near overflow. Counters per
+// transform: vek_us, fftw_us, vek_mflops = 2.5 N log2 N / us, ratio = vek /
+// FFTW.
+#include "twin.hpp"
 
 #ifdef VEK_BENCH_FFTW
 #include "fftw.hpp"
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 template <class R>
 struct Side;
@@ -40,42 +31,27 @@ void compare(benchmark::State& state) {
     using F = fftw::Api<R>;
     const int order = int(state.range(0));
     const int n = 1 << order;
-    const int batch = std::max(1, (1 << 18) >> order);
-    std::vector<R> src(static_cast<std::size_t>(n));
-    std::mt19937 gen(1);
-    std::uniform_real_distribution<double> u(-1, 1);
-    for (auto& v : src) v = R(u(gen));
+    const std::size_t bytes = sizeof(R) * std::size_t(n);
+    const auto src = twin::uniform<R>(n, -1, 1);
 
-    R* x = static_cast<R*>(vekMalloc(int(sizeof(R)) * n));
-    void* f = F::alloc(sizeof(R) * std::size_t(n + 2));
-    auto plan = F::r2c(n, f);
+    twin::Buf<R> x(n);
+    fftw::Buf<R> f(n + 2);
+    auto plan = F::r2c(n, f.data());
     const int flags = VEK_Forw | VEK_OutRCPack;
     S::vek(nullptr, order, VEK_Init);
-    double tv = 0, tf = 0;
-    std::size_t count = 0;
-    for (auto _ : state) {
-        std::memcpy(x, src.data(), sizeof(R) * std::size_t(n));
-        std::memcpy(f, src.data(), sizeof(R) * std::size_t(n));
-        auto t0 = Clock::now();
-        for (int i = 0; i < batch; ++i) S::vek(x, order, flags);
-        auto t1 = Clock::now();
-        for (int i = 0; i < batch; ++i) F::exec(plan);
-        auto t2 = Clock::now();
-        benchmark::ClobberMemory();
-        tv += std::chrono::duration<double>(t1 - t0).count();
-        tf += std::chrono::duration<double>(t2 - t1).count();
-        count += std::size_t(batch);
-        state.SetIterationTime(std::chrono::duration<double>(t2 - t0).count());
-    }
-    const double perV = tv / double(count) * 1e6, perF = tf / double(count) * 1e6;  // us
+    const auto t = twin::race(
+        state, twin::bounded<R>(order, std::max(1, (1 << 18) >> order)),
+        twin::prepared([&] { std::memcpy(x.data(), src.data(), bytes); },
+                       [&] { S::vek(x.data(), order, flags); }),
+        twin::prepared([&] { std::memcpy(f.data(), src.data(), bytes); }, [&] { F::exec(plan); }));
+    if (!twin::finite(x.data(), std::size_t(n)) || !twin::finite(f.data(), std::size_t(n) + 2))
+        state.SkipWithError("values beyond the range");
     const double flops = 2.5 * n * order;
-    state.counters["vek_us"] = perV;
-    state.counters["fftw_us"] = perF;
-    state.counters["vek_mflops"] = flops / perV;
-    state.counters["ratio"] = perV / perF;
+    state.counters["vek_us"] = 1e6 * t[0];
+    state.counters["fftw_us"] = 1e6 * t[1];
+    state.counters["vek_mflops"] = 1e-6 * flops / t[0];
+    state.counters["ratio"] = t[0] / t[1];
     F::destroy(plan);
-    F::free(f);
-    vekFree(x);
 }
 
 void BM_sRealFftl_vs_fftwf_r2c(benchmark::State& s) { compare<float>(s); }

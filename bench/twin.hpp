@@ -1,31 +1,37 @@
-// Benchmarks of a vek export beside a plain loop that computes the same
-// thing (the loops live in *_native.cpp files, built -O3 -march=native, and
-// are declared in plain.hpp).
+// Benchmarks of a vek export beside what a user would otherwise write or
+// link: a plain loop (the loops live in *_native.cpp files, built -O3
+// -march=native, and are declared in plain.hpp) or a peer library.
 //
-// Each iteration times a batch of vek calls and a batch of plain calls,
-// long enough to time, taking turns at going first: whoever runs second
-// finds the shared inputs in cache. Both sides share inputs and destination
-// (buffers from vekMalloc, as callers get them): where a destination lies
-// relative to the inputs (4K aliasing) moves in-cache timings by 10% and
-// more, and must not favour either side.
+// Each iteration times a batch of calls of every side, the sides taking
+// turns at going first: whoever runs second finds the shared inputs in
+// cache. Sides share inputs and destinations where they can (buffers from
+// vekMalloc, as callers get them): where a destination lies relative to the
+// inputs (4K aliasing) moves in-cache timings by 10% and more, and must not
+// favour either side. A side may have an untimed step before each batch
+// (restoring data that the calls change in place).
 //
-// The time column is vek's time per batch (so that a short call does not
-// need millions of iterations of both sides); the counters are per call:
-// vek's time (vek_ns), the plain loop's (plain_ns) and their ratio
-// vek/plain (below 1: vek is faster). Given a byte count, it also times a
-// memcpy of that many bytes (memcpy_ns) and reports vek's throughput over
-// them.
+// Reported times are medians over the iterations, per call, less the cost
+// of reading the clock: the machines are shared, and a batch that loses the
+// processor halfway would otherwise weigh on the mean. The time column is
+// vek's time per batch (so that a short call does not need millions of
+// iterations of every side).
 #pragma once
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <initializer_list>
+#include <limits>
 #include <random>
 #include <type_traits>
+#include <utility>
+#include <vector>
 
 #include "vek.h"
 
@@ -83,45 +89,143 @@ Buf<T> uniform(int n, double lo, double hi, unsigned seed = 1) {
     return b;
 }
 
-template <class Vek, class Plain>
-void run(benchmark::State& state, int n, Vek vek, Plain plain, std::size_t copyBytes = 0) {
-    using Clock = std::chrono::steady_clock;
-    const int reps = std::max(1, 20000 / n);  // batches of at least ~10 microseconds
-    Buf<char> from(copyBytes ? int(copyBytes) : 1), to(copyBytes ? int(copyBytes) : 1);
-    auto timed = [reps](auto&& f) {
-        const auto start = Clock::now();
-        for (int r = 0; r < reps; ++r) {
-            f();
+using Clock = std::chrono::steady_clock;
+
+// What reading the clock twice costs, in seconds (a median).
+inline double clock_cost() {
+    static const double cost = [] {
+        std::vector<double> d(1001);
+        for (auto& x : d) {
+            const auto t0 = Clock::now();
+            x = std::chrono::duration<double>(Clock::now() - t0).count();
+        }
+        std::nth_element(d.begin(), d.begin() + 500, d.end());
+        return d[500];
+    }();
+    return cost;
+}
+
+inline double median(std::vector<double> v) {
+    if (v.empty()) return 0;
+    const auto mid = v.begin() + std::ptrdiff_t(v.size() / 2);
+    std::nth_element(v.begin(), mid, v.end());
+    return *mid;
+}
+
+// A side whose calls need an untimed step before each batch.
+template <class Prep, class Run>
+struct Prepared {
+    Prep prep;
+    Run run;
+};
+template <class Prep, class Run>
+Prepared<Prep, Run> prepared(Prep prep, Run run) {
+    return {std::move(prep), std::move(run)};
+}
+
+template <class F>
+struct IsPrepared : std::false_type {};
+template <class P, class R>
+struct IsPrepared<Prepared<P, R>> : std::true_type {};
+
+// How many calls a batch makes, and how many batches (each after its side's
+// untimed step) make up one side's turn in an iteration.
+struct Batch {
+    int calls;
+    int batches = 1;
+};
+
+// Seconds per call of one side's turn.
+template <class F>
+double turn(const Batch& b, F& side) {
+    double total = 0;
+    for (int k = 0; k < b.batches; ++k) {
+        if constexpr (IsPrepared<F>::value) side.prep();
+        benchmark::ClobberMemory();
+        const auto t0 = Clock::now();
+        for (int r = 0; r < b.calls; ++r) {
+            if constexpr (IsPrepared<F>::value)
+                side.run();
+            else
+                side();
             benchmark::ClobberMemory();
         }
-        return std::chrono::duration<double>(Clock::now() - start).count() / reps;
-    };
-    double vekSeconds = 0, plainSeconds = 0, copySeconds = 0;
-    bool vekFirst = true;
-    for (auto _ : state) {
-        double v, p;
-        if (vekFirst) {
-            v = timed(vek);
-            p = timed(plain);
+        total += std::chrono::duration<double>(Clock::now() - t0).count() - clock_cost();
+    }
+    return std::max(total, 0.0) / (double(b.calls) * b.batches);
+}
+
+// The batches of a transform that grows values by up to 2^bits a call,
+// from data of magnitude at most 1: as many calls as keep every value far
+// from overflow, and enough batches for a turn of about `calls` calls.
+template <class R>
+Batch bounded(int bits, int calls) {
+    const int budget = std::numeric_limits<R>::max_exponent - 20;
+    const int perBatch = bits > 0 ? std::max(1, std::min(calls, budget / bits)) : calls;
+    return Batch{perBatch, std::max(1, calls / perBatch)};
+}
+
+template <class R>
+bool finite(const R* p, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i)
+        if (!std::isfinite(p[i])) return false;
+    return true;
+}
+
+// Times the sides (vek first in the argument list) in turns, each
+// iteration starting with the next side, and returns each side's median
+// seconds per call. A side is a callable, or prepared(step, callable).
+template <class... Sides>
+std::array<double, sizeof...(Sides)> race(benchmark::State& state, Batch b, Sides... sides) {
+    constexpr std::size_t kSides = sizeof...(Sides);
+    const std::array<std::function<double()>, kSides> turns{
+        std::function<double()>([&b, &sides] { return turn(b, sides); })...};
+    // One untimed call of each side first: tables that a call builds on
+    // first use, pages of fresh buffers.
+    (..., [&sides] {
+        if constexpr (IsPrepared<Sides>::value) {
+            sides.prep();
+            sides.run();
         } else {
-            p = timed(plain);
-            v = timed(vek);
+            sides();
         }
-        vekFirst = !vekFirst;
-        if (copyBytes)
-            copySeconds += timed([&] { std::memcpy(to.data(), from.data(), copyBytes); });
-        vekSeconds += v;
-        plainSeconds += p;
-        state.SetIterationTime(v * reps);
+    }());
+    std::array<std::vector<double>, kSides> times;
+    std::size_t first = 0;
+    for (auto _ : state) {
+        for (std::size_t k = 0; k < kSides; ++k) {
+            const std::size_t s = (first + k) % kSides;
+            times[s].push_back(turns[s]());
+        }
+        first = (first + 1) % kSides;
+        state.SetIterationTime(times[0].back() * b.calls * b.batches);
     }
-    const double iters = double(state.iterations());
-    state.counters["vek_ns"] = 1e9 * vekSeconds / iters;
-    state.counters["plain_ns"] = 1e9 * plainSeconds / iters;
-    state.counters["vek/plain"] = vekSeconds / plainSeconds;
+    std::array<double, kSides> medians{};
+    for (std::size_t s = 0; s < kSides; ++s) medians[s] = median(times[s]);
+    return medians;
+}
+
+// vek beside a plain loop: counters vek_ns and plain_ns per call and their
+// ratio vek/plain (below 1: vek is faster). Given a byte count, also a
+// memcpy of that many bytes (memcpy_ns) and vek's throughput over them.
+template <class Vek, class Plain>
+void run(benchmark::State& state, int n, Vek vek, Plain plain, std::size_t copyBytes = 0) {
+    const Batch b{std::max(1, 20000 / n)};  // batches of at least ~10 microseconds
+    double v, p, c = 0;
     if (copyBytes) {
-        state.counters["memcpy_ns"] = 1e9 * copySeconds / iters;
-        state.SetBytesProcessed(std::int64_t(state.iterations()) * reps * std::int64_t(copyBytes));
+        Buf<char> from{int(copyBytes)}, to{int(copyBytes)};
+        const auto t =
+            race(state, b, vek, plain, [&] { std::memcpy(to.data(), from.data(), copyBytes); });
+        v = t[0], p = t[1], c = t[2];
+        state.counters["memcpy_ns"] = 1e9 * c;
+        state.counters["bytes_per_second"] = double(copyBytes) / v;
+    } else {
+        const auto t = race(state, b, vek, plain);
+        v = t[0], p = t[1];
     }
+    state.counters["vek_ns"] = 1e9 * v;
+    state.counters["plain_ns"] = 1e9 * p;
+    state.counters["vek/plain"] = v / p;
 }
 
 // Registers a benchmark at each size, and at each mode (a second argument)
