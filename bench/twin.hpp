@@ -198,7 +198,7 @@ std::array<double, sizeof...(Sides)> race(benchmark::State& state, Batch b, Side
             times[s].push_back(turns[s]());
         }
         first = (first + 1) % kSides;
-        state.SetIterationTime(times[0].back() * b.calls * b.batches);
+        state.SetIterationTime(std::max(times[0].back() * b.calls * b.batches, 1e-9));
     }
     std::array<double, kSides> medians{};
     for (std::size_t s = 0; s < kSides; ++s) medians[s] = median(times[s]);
