@@ -12,7 +12,9 @@
 //
 // Reported times are medians over the iterations, per call, less the cost
 // of reading the clock: the machines are shared, and a batch that loses the
-// processor halfway would otherwise weigh on the mean. The time column is
+// processor halfway would otherwise weigh on the mean. Batches of a
+// millisecond and more, which lose it nearly always, are timed in the
+// thread's processor time instead of on the wall clock. The time column is
 // vek's time per batch (so that a short call does not need millions of
 // iterations of every side).
 #pragma once
@@ -32,6 +34,8 @@
 #include <type_traits>
 #include <utility>
 #include <vector>
+
+#include <time.h>
 
 #include "vek.h"
 
@@ -89,20 +93,34 @@ Buf<T> uniform(int n, double lo, double hi, unsigned seed = 1) {
     return b;
 }
 
-using Clock = std::chrono::steady_clock;
+// Seconds on the wall clock, or (cpu) in this thread's processor time,
+// which leaves out the time the thread waits for a processor: batches of
+// milliseconds are mostly interrupted on a busy machine.
+inline double now(bool cpu) {
+#ifdef CLOCK_THREAD_CPUTIME_ID
+    if (cpu) {
+        timespec t;
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+        return double(t.tv_sec) + 1e-9 * double(t.tv_nsec);
+    }
+#endif
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
 
 // What reading the clock twice costs, in seconds (a median).
-inline double clock_cost() {
-    static const double cost = [] {
+inline double clock_cost(bool cpu) {
+    auto measure = [](bool c) {
         std::vector<double> d(1001);
         for (auto& x : d) {
-            const auto t0 = Clock::now();
-            x = std::chrono::duration<double>(Clock::now() - t0).count();
+            const double t0 = now(c);
+            x = now(c) - t0;
         }
         std::nth_element(d.begin(), d.begin() + 500, d.end());
         return d[500];
-    }();
-    return cost;
+    };
+    static const double wall = measure(false), thread = measure(true);
+    return cpu ? thread : wall;
 }
 
 inline double median(std::vector<double> v) {
@@ -137,12 +155,12 @@ struct Batch {
 
 // Seconds per call of one side's turn.
 template <class F>
-double turn(const Batch& b, F& side) {
+double turn(const Batch& b, bool cpu, F& side) {
     double total = 0;
     for (int k = 0; k < b.batches; ++k) {
         if constexpr (IsPrepared<F>::value) side.prep();
         benchmark::ClobberMemory();
-        const auto t0 = Clock::now();
+        const double t0 = now(cpu);
         for (int r = 0; r < b.calls; ++r) {
             if constexpr (IsPrepared<F>::value)
                 side.run();
@@ -150,10 +168,13 @@ double turn(const Batch& b, F& side) {
                 side();
             benchmark::ClobberMemory();
         }
-        total += std::chrono::duration<double>(Clock::now() - t0).count() - clock_cost();
+        total += now(cpu) - t0 - clock_cost(cpu);
     }
     return std::max(total, 0.0) / (double(b.calls) * b.batches);
 }
+
+// Batches longer than this are timed in processor time.
+constexpr double kLongBatch = 1e-3;
 
 // The batches of a transform that grows values by up to 2^bits a call,
 // from data of magnitude at most 1: as many calls as keep every value far
@@ -178,18 +199,21 @@ bool finite(const R* p, std::size_t count) {
 template <class... Sides>
 std::array<double, sizeof...(Sides)> race(benchmark::State& state, Batch b, Sides... sides) {
     constexpr std::size_t kSides = sizeof...(Sides);
-    const std::array<std::function<double()>, kSides> turns{
-        std::function<double()>([&b, &sides] { return turn(b, sides); })...};
-    // One untimed call of each side first: tables that a call builds on
-    // first use, pages of fresh buffers.
-    (..., [&sides] {
-        if constexpr (IsPrepared<Sides>::value) {
-            sides.prep();
+    // One call of each side first, untimed but for choosing the clock:
+    // tables that a call builds on first use, pages of fresh buffers.
+    double longest = 0;
+    (..., [&sides, &longest] {
+        if constexpr (IsPrepared<Sides>::value) sides.prep();
+        const double t0 = now(false);
+        if constexpr (IsPrepared<Sides>::value)
             sides.run();
-        } else {
+        else
             sides();
-        }
+        longest = std::max(longest, now(false) - t0);
     }());
+    const bool cpu = longest * b.calls > kLongBatch;
+    const std::array<std::function<double()>, kSides> turns{
+        std::function<double()>([&b, cpu, &sides] { return turn(b, cpu, sides); })...};
     std::array<std::vector<double>, kSides> times;
     std::size_t first = 0;
     for (auto _ : state) {
