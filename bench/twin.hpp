@@ -15,8 +15,8 @@
 // processor halfway would otherwise weigh on the mean. Batches of a
 // millisecond and more, which lose it nearly always, are timed in the
 // thread's processor time instead of on the wall clock. The time column is
-// vek's time per batch (so that a short call does not need millions of
-// iterations of every side).
+// that of one iteration, a batch of every side: the benchmark's minimum
+// time then bounds the whole run, even beside a slow side.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -222,7 +222,9 @@ std::array<double, sizeof...(Sides)> race(benchmark::State& state, Batch b, Side
             times[s].push_back(turns[s]());
         }
         first = (first + 1) % kSides;
-        state.SetIterationTime(std::max(times[0].back() * b.calls * b.batches, 1e-9));
+        double all = 0;
+        for (const auto& t : times) all += t.back();
+        state.SetIterationTime(std::max(all * b.calls * b.batches, 1e-9));
     }
     std::array<double, kSides> medians{};
     for (std::size_t s = 0; s < kSides; ++s) medians[s] = median(times[s]);
